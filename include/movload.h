@@ -1,0 +1,151 @@
+/* movload: moving-load analysis of bridges under BS 5400 HA and HB loading. The interface for hosts, in C and
+ * C++.
+ *
+ * A solver has left the response of every result point to every unit load in the model's files. The library
+ * answers, per call: for one component of one result under one moving load case, which loading of the lanes
+ * gives the greatest and the least value, what are they, and how is each loading made up.
+ *
+ * Call order: SET_INCLUDE_BLK_BS5400 where the model has an included set of influence files;
+ * _MOV_KRNL_BS_5400_NUM_LANE; allocate the arrays for that many lanes; _MOV_KRNL_BS_5400 once for each result
+ * and moving load case. Every call reads the files anew, and nothing of a run matters to the next.
+ *
+ * Threads: one call at a time in a process. No call is reentrant.
+ *
+ * Arrays: the host owns every array. An array [10, lanes] holds ten values of lane 1, then ten of lane 2, and
+ * so on; `lanes` is the NUM_LANE that the host passes. Indices given here run from 1, as do lanes, influence
+ * points and range numbers; 0 means "none".
+ *
+ * Strings: a pointer and a length, no terminator needed. Values: in the solver's units, with no scale, sign
+ * or unit changed by the library.
+ *
+ * Failures: a call that fails sets MODE_CODE to -1, leaves every other argument as it was, and
+ * movload_last_failure tells why. No input file, however damaged, ends the process.
+ */
+#ifndef MOVLOAD_H
+#define MOVLOAD_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define MOVLOAD_API
+#else
+#define MOVLOAD_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+#define MOVLOAD_NOEXCEPT noexcept
+extern "C" {
+#else
+#define MOVLOAD_NOEXCEPT
+#endif
+
+/* RESULT_KIND: what RESULT_ID and RESULT_ITEM mean. A kind that isn't listed has nothing to search: its
+ * records come back empty and FINAL_MAX and FINAL_MIN stay as they were. So it is, in this version, with
+ * truss, beam, plate and wall results. */
+enum movload_result_kind {
+  MOVLOAD_RK_DISP = 1,  /* displacement of a node; items 1 to 6, or 7 with warping */
+  MOVLOAD_RK_REAC = 2,  /* reaction of a support node; items as above */
+  MOVLOAD_RK_TRUSS = 3, /* element results: truss */
+  MOVLOAD_RK_BEAM = 4,  /* beam; items 1 to 50, beyond the call returns at once with nothing changed */
+  MOVLOAD_RK_PLATE = 5, /* plate */
+  MOVLOAD_RK_LRAC = 6,  /* reaction in local axes; items as RK_REAC */
+  MOVLOAD_RK_WALL = 10, /* wall; items 1 to 105 */
+  MOVLOAD_RK_SIMB = 12, /* items 1 to 12 */
+  MOVLOAD_RK_ELNK = 13, /* elastic link; items 1 to 12 */
+  MOVLOAD_RK_NLNK = 14, /* nonlinear link; items 1 to 12 */
+  MOVLOAD_RK_LDSP =
+      16 /* displacement in local axes; items as RK_DISP. A node without local axes has nothing to search */
+};
+
+/* Fields of a record of K_MXLOAD and K_MNLOAD, as indices from 0 into the ten values of a lane. The record
+ * arrays of the planes (K_MXLOAD1ST and so on) hold the first seven. */
+enum movload_record_field {
+  MOVLOAD_VEHI_NO = 0,         /* vehicle class of the last lane that is loaded; the same in every lane. 0: no
+                                  combination has a value beyond 0 on this side */
+  MOVLOAD_W_HA_UDL = 1,        /* intensity of the HA UDL times 1000, truncated; 0: no UDL */
+  MOVLOAD_NO_LOADED_RANGE = 2, /* entries in use of the lane's range list */
+  MOVLOAD_TYPE_OF_HB = 3,      /* 1 to 5 by inner axle spacing; 0: no HB */
+  MOVLOAD_POSITION_OF_HB = 4,  /* influence point; 0: no HB */
+  MOVLOAD_FACTOR = 5,          /* scale of the lane in the governing combination, times 10000000, truncated */
+  MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type */
+  MOVLOAD_POS_OF_HA_KEL = 7,   /* influence point of the knife-edge load, for a lane under HA alone; else 0 */
+  MOVLOAD_COMB_TYPE = 8, /* last two digits: 1 no lane has an HB, 2 one lane has, 3 two lanes have and none
+                            has full HA UDL (also a loaded straddle lane), 4 two lanes have and one has full
+                            HA UDL; hundreds: 1 forward pass, 2 reverse pass, 0 nothing governs the lane */
+  MOVLOAD_RECORD_F10 = 9 /* 0 */
+};
+
+enum movload_sizes {
+  MOVLOAD_RECORD_FIELDS = 10,   /* values of a record */
+  MOVLOAD_RANGE_NUMBERS = 1000, /* values of a range list, of which the first 500 are used */
+  MOVLOAD_RANGE_DISTANCES = 200 /* values of a distance list: 100 pairs of start and end */
+};
+
+/* The envelope of one result under one moving load case.
+ *
+ *   PATH           in      base name of the model's files: path and stem, without extension
+ *   PATH_LEN       in      characters of PATH; of more than 260 the first 260 are taken
+ *   RESULT_KIND    in      movload_result_kind
+ *   RESULT_ID      in      number of the node, support or element. One that the files don't hold gives 0 for
+ * both values RESULT_ITEM    in      component, from 1; one that the kind hasn't fails MV_CASE        in
+ * moving load case, from 1; one that the files don't hold gives 0 for both values NUM_LANE       in/out  in:
+ * lanes of the host's arrays, at least the model's; out: the model's lanes, the straddle lanes last FINAL_MAX
+ * out     greatest value, never below 0 FINAL_MIN      out     least value, never above 0 K_MXLOAD       out
+ * [10, lanes] record of each lane, maximum side K_MNLOAD       out     [10, lanes] the same, minimum side
+ *   MODE_CODE      in/out  in: analysis code (0, 1, 2, 3, 4 or 101, which chooses the extension .ZA3, .YA3,
+ * .XA3, .WA3, .ZAX3 or .YA3), plus 100 where responses come from influence volumes, which this version
+ *                          doesn't read; out: -1 on failure, else unchanged
+ *   K_MAXINFL_S    out     [1000, lanes] sequence numbers of the loaded ranges, maximum side; entries 1 to
+ * 500 are written, NO_LOADED_RANGE of them in use K_MININFL_S    out     [1000, lanes] the same, minimum side
+ *   K_MXLOAD1ST    out     [10, lanes] records of a straddle lane, first plane, maximum side
+ *   K_MNLOAD1ST    out     [10, lanes] first plane, minimum side
+ *   K_MXLOAD2ND    out     [10, lanes] second plane, maximum side
+ *   K_MNLOAD2ND    out     [10, lanes] second plane, minimum side
+ *   K_MAXINFL_S1ST out     [1000, lanes] loaded ranges of a straddle lane, first plane, maximum side
+ *   K_MININFL_S1ST out     [1000, lanes] first plane, minimum side
+ *   K_MAXINFL_S2ND out     [1000, lanes] second plane, maximum side
+ *   K_MININFL_S2ND out     [1000, lanes] second plane, minimum side
+ *   DISTANCE_MAX_RANGE out [200, lanes] (start, end) of each range of positive influence, in lane distance:
+ * the pair of range k at 2 * k - 1 and 2 * k, zeros behind the last range DISTANCE_MIN_RANGE out [200, lanes]
+ * the same for the ranges of negative influence
+ *
+ * Arrays of lanes beyond the model's are cleared, but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which
+ * stay as they were.
+ */
+MOVLOAD_API void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t RESULT_KIND, int32_t RESULT_ID,
+                                   int32_t RESULT_ITEM, int32_t MV_CASE, int32_t* NUM_LANE, double* FINAL_MAX,
+                                   double* FINAL_MIN, int32_t* K_MXLOAD, int32_t* K_MNLOAD,
+                                   int32_t* MODE_CODE, int32_t* K_MAXINFL_S, int32_t* K_MININFL_S,
+                                   int32_t* K_MXLOAD1ST, int32_t* K_MNLOAD1ST, int32_t* K_MXLOAD2ND,
+                                   int32_t* K_MNLOAD2ND, int32_t* K_MAXINFL_S1ST, int32_t* K_MININFL_S1ST,
+                                   int32_t* K_MAXINFL_S2ND, int32_t* K_MININFL_S2ND,
+                                   float* DISTANCE_MAX_RANGE, float* DISTANCE_MIN_RANGE) MOVLOAD_NOEXCEPT;
+
+/* The number of lanes of a model, straddle lanes included: the size of a host's arrays.
+ *
+ *   PATH, PATH_LEN  in      as above, up to 1024 characters with the extension
+ *   MODE_CODE       in/out  as above
+ *   NUM_LANE        out     lanes; left alone on failure
+ */
+MOVLOAD_API void _MOV_KRNL_BS_5400_NUM_LANE(const char* PATH, int32_t PATH_LEN, int32_t* MODE_CODE,
+                                            int32_t* NUM_LANE) MOVLOAD_NOEXCEPT;
+
+/* Names the included set of influence files for the next run that reads influence volumes.
+ *
+ *   PATH_LEN  in  characters of PATH; 0 or less, more than 1024, or blanks only change nothing
+ *   PATH      in  base path of the included set
+ */
+MOVLOAD_API void SET_INCLUDE_BLK_BS5400(const int32_t* PATH_LEN, const char* PATH) MOVLOAD_NOEXCEPT;
+
+/* Why the last call failed: one line that names the file, the block, the record and what was wrong; empty
+ * after a call that didn't fail. The text is the library's and stands until the next call. */
+MOVLOAD_API const char* movload_last_failure(void) MOVLOAD_NOEXCEPT;
+
+/* The library's version, "major.minor.patch". */
+MOVLOAD_API const char* movload_version(void) MOVLOAD_NOEXCEPT;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

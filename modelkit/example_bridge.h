@@ -1,0 +1,90 @@
+// The built-in example: a continuous deck of three spans, 20 + 30 + 20 m, on five beams.
+//
+//   x = 0         20              50         70     y = 0 to 10 m: beams 1 to 5, 2.5 m apart
+//   |-------------|---------------|----------|      y = 0.5 to 9.5 m: carriageway, three notional lanes
+//   abutment 1    pier 1          pier 2     abutment 2
+//
+// The deck is a plane grillage with nodes every metre along each beam; all units are kN and m. A beam and its
+// slab have EI = 9.0e6 and GJ = 2.2e5, the slab strips across EI = 3.1e4 and GJ = 2.6e4 a metre, the
+// diaphragms over the supports EI = 1.0e6 and GJ = 1.5e5. Each beam stands on an elastic bearing of 1.0e6
+// kN/m over every abutment and pier, 20 in all.
+//
+// Numbers and signs:
+//   node         5 * (x in m) + beam, from 1 to 355; unit load k stands on node k, 1 kN downward
+//   DISP         every node: item 3 deflection, downward; items 4 and 5 rotations about x (along the bridge)
+//                and y (to its right), right-handed with z downward
+//   REAC         the nodes over the supports: item 3 reaction, upward
+//   SIMB         id = beam, items as BRIDGE_ITEM: section forces, moments sagging
+//
+// Each lane runs from x = -80 m to 150 m, far enough for the longest HB vehicle with its clear distances to
+// drive off the deck; distances along a lane start there, so that the deck begins at distance 80. Points
+// stand every half metre in segments of 10 m whose end points stand twice. At each point the load spreads
+// evenly over three places across the lane, at its axis and 1 m to either side. A place between two beams
+// bears on both by the lever rule, at half metres on the four nodes around it. The points off the deck have
+// no links; those next to it stand 1 cm off, so that nothing but that centimetre leans on the deck.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "modelkit/model.h"
+
+namespace modelkit {
+
+inline constexpr int BRIDGE_BEAMS = 5;
+inline constexpr int BRIDGE_LENGTH = 70;
+inline constexpr int BRIDGE_FIRST_PIER = 20;
+inline constexpr int BRIDGE_SECOND_PIER = 50;
+inline constexpr double BRIDGE_APPROACH = 80.0;  // distance along a lane at which the deck begins
+
+/// Node, and unit load, `station` metres from the first abutment on a beam.
+constexpr int BRIDGE_NODE(int station, int beam) {
+  return BRIDGE_BEAMS * station + beam;
+}
+
+/// Components of SIMB, id = beam. At a section the value just before it is meant unless "behind" is said.
+enum BRIDGE_ITEM : int {
+  BRIDGE_MOMENT_FIRST_SPAN = 1,    // x = 8, 0.4 of the first span
+  BRIDGE_MOMENT_FIRST_PIER = 2,    // x = 20
+  BRIDGE_MOMENT_MAIN_SPAN = 3,     // x = 35
+  BRIDGE_MOMENT_SECOND_PIER = 4,   // x = 50
+  BRIDGE_MOMENT_LAST_SPAN = 5,     // x = 62
+  BRIDGE_SHEAR_ABUTMENT = 6,       // x = 0, behind
+  BRIDGE_SHEAR_BEFORE_PIER_1 = 7,  // x = 20
+  BRIDGE_SHEAR_BEHIND_PIER_1 = 8,  // x = 20, behind
+  BRIDGE_SHEAR_BEFORE_PIER_2 = 9,  // x = 50
+  BRIDGE_SHEAR_BEHIND_PIER_2 = 10,
+  BRIDGE_TORSION_ABUTMENT = 11,      // x = 0, behind
+  BRIDGE_TORSION_BEHIND_PIER_1 = 12  // x = 20, behind
+};
+
+/// Moving load cases of the bridge. Loads are nominal, without partial factors; the lane factors are those of
+/// clause 6.4.1 for HA and 6.4.2 for HB.
+enum BRIDGE_CASE : int {
+  BRIDGE_CASE_HA = 1,         // full HA in two lanes and a third in the other, in all three choices
+  BRIDGE_CASE_HA_SINGLE = 2,  // full HA in one lane, the others empty
+  BRIDGE_CASE_HA_ANY = 3,     // the above, and full HA in two lanes with the third one empty
+  BRIDGE_CASE_HB = 4  // HB in one lane, full HA in another and a third in the last, in all six choices
+};
+
+/// A result that is worth asking for.
+struct T_NAMED_RESULT {
+  std::string name;
+  int kind = 0;  // RESULT_KIND
+  int id = 0;    // RESULT_ID
+  int item = 0;  // RESULT_ITEM
+  std::string unit;
+};
+
+struct T_EXAMPLE {
+  T_MODEL model;
+  std::string title;
+  std::vector<std::string> lane_names;
+  std::vector<std::string> case_names;
+  std::vector<T_NAMED_RESULT> results;
+};
+
+/// The example bridge; its responses are worked out afresh, in a fraction of a second.
+T_EXAMPLE EXAMPLE_BRIDGE();
+
+}  // namespace modelkit

@@ -1,0 +1,350 @@
+#include "search/ranges.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace search {
+
+void T_RANGE_LIST::RESERVE(std::int32_t n) {
+  const auto room = static_cast<std::size_t>(std::max(n, 1));
+  if (RANGE_AREA.size() >= room) return;
+  RANGE_AREA.resize(room);
+  RANGE_LENGTH.resize(room);
+  RANGE_MEAN.resize(room);
+  RANGE_NUMBER.resize(room);
+}
+
+namespace {
+
+/// The walk along a line: four accumulators, and the lists that ranges join when they close.
+class RANGE_CUTTER {
+ public:
+  RANGE_CUTTER(T_RANGE_WORK& work, std::int32_t n)
+      : positive_list_(work.SIDES[0]), negative_list_(work.SIDES[1]) {
+    positive_list_.RESERVE(n);
+    negative_list_.RESERVE(n);
+    positive_list_.COUNT = 0;
+    negative_list_.COUNT = 0;
+  }
+
+  /// One stretch of length dx that runs from ordinate a to ordinate b.
+  void SEGMENT(real dx, real a, real b) {
+    if (a >= 0 && b > 0) {
+      positive_.length += dx;
+      positive_.area += (a + b) * dx * 0.5F;
+    } else if (a <= 0 && b < 0) {
+      negative_.length += dx;
+      negative_.area += (a + b) * dx * 0.5F;
+    } else if (a > 0 && b <= 0) {
+      cross(positive_, negative_, dx, a, b);
+      close(positive_, positive_list_);
+    } else if (a < 0 && b >= 0) {
+      cross(negative_, positive_, dx, a, b);
+      close(negative_, negative_list_);
+    }
+  }
+
+  /// A jump from the segment's end b to the next start c.
+  void JUMP(real a, real b, real c) {
+    if (a >= 0 && b > 0) {
+      if (c < 0) close(positive_, positive_list_);
+    } else if (a <= 0 && b < 0) {
+      if (c > 0) close(negative_, negative_list_);
+    }
+  }
+
+  /// The end of the lane closes what has an area.
+  void END() {
+    if (positive_.area > 0) close(positive_, positive_list_);
+    if (negative_.area < 0) close(negative_, negative_list_);
+  }
+
+ private:
+  struct OPEN_RANGE {
+    real area = 0;
+    real length = 0;
+  };
+
+  static void cross(OPEN_RANGE& ending, OPEN_RANGE& beginning, real dx, real a, real b) {
+    const real x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
+    ending.length += x0;
+    ending.area += a * 0.5F * x0;
+    beginning.length += dx - x0;
+    beginning.area += b * 0.5F * (dx - x0);
+  }
+
+  static void close(OPEN_RANGE& open, T_RANGE_LIST& list) {
+    const auto at = static_cast<std::size_t>(list.COUNT++);
+    list.RANGE_AREA[at] = open.area;
+    list.RANGE_LENGTH[at] = open.length;
+    open = {};
+  }
+
+  T_RANGE_LIST& positive_list_;
+  T_RANGE_LIST& negative_list_;
+  OPEN_RANGE positive_;
+  OPEN_RANGE negative_;
+};
+
+}  // namespace
+
+template <LAYOUT L>
+void CUT_RANGES(const T_LINE& line, T_RANGE_WORK& work) {
+  RANGE_CUTTER cutter(work, line.n);
+  for (std::int32_t i = 1; i < line.n; ++i) {
+    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
+    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
+    const real a = line.AFTER(i);
+    const real b = line.BEFORE(i + 1);
+    cutter.SEGMENT(dx, a, b);
+    if constexpr (L::CLOSES_AT_JUMPS) {
+      if (line.TWO_COLUMNS) cutter.JUMP(a, b, line.AFTER(i + 1));
+    }
+  }
+  cutter.END();
+}
+
+template <LAYOUT L>
+void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANGE_WORK& work) {
+  RANGE_CUTTER cutter(work, line.n);
+  const bool near_inside = zone.NEAR_FRACTION != 0;
+  for (std::int32_t i = 1; i < line.n; ++i) {
+    const bool near_ends_here = near_inside && i == zone.NEAR_INDEX - 1;
+    if (i < zone.FAR_INDEX && i > zone.NEAR_INDEX) continue;
+    const bool skipped_as_near = i == zone.NEAR_INDEX && i != zone.FAR_INDEX &&
+                                 !(near_inside && zone.FAR_INDEX == zone.NEAR_INDEX - 1);
+    if (skipped_as_near) continue;
+
+    const real start = line.LANE_X(i);
+    const real end = line.LANE_X(i + 1);
+    const real dx = end - start;
+    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
+    const real a = line.AFTER(i);
+    const real b = line.BEFORE(i + 1);
+
+    // Rounding of the zone's ends puts NEAR_END inside a segment at every eighth point or so: what lies in
+    // front of it counts, and no more.
+    if (near_ends_here) {
+      const real near_end = start + dx * zone.NEAR_FRACTION;
+      cutter.SEGMENT(near_end - start, a, (1 - zone.NEAR_FRACTION) * a + zone.NEAR_FRACTION * b);
+    }
+    if (i == zone.FAR_INDEX) {
+      const real far_end = start + dx * zone.FAR_FRACTION;
+      cutter.SEGMENT(end - far_end, (1 - zone.FAR_FRACTION) * a + zone.FAR_FRACTION * b, b);
+    } else if (!near_ends_here) {
+      cutter.SEGMENT(dx, a, b);
+    }
+  }
+  cutter.END();
+}
+
+void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude) {
+  if (count <= 0) return;
+  if (by_magnitude) {
+    for (std::int32_t i = 0; i < count; ++i) means[i] = std::fabs(means[i]);
+  }
+  const auto exchange = [&](std::int32_t i, std::int32_t j) {
+    std::swap(means[i], means[j]);
+    std::swap(numbers[i], numbers[j]);
+  };
+  // A selection from both ends at once: the largest to the front of the span, the smallest to its back.
+  for (std::int32_t front = 0, back = count - 1; front < back; ++front, --back) {
+    std::int32_t largest = front;
+    for (std::int32_t i = front + 1; i <= back; ++i) {
+      if (means[i] > means[largest]) largest = i;
+    }
+    exchange(front, largest);
+    std::int32_t smallest = front;
+    for (std::int32_t i = front + 1; i <= back; ++i) {
+      if (means[i] < means[smallest]) smallest = i;
+    }
+    exchange(back, smallest);
+  }
+}
+
+real HA_INTENSITY(real loaded_length, const T_HA_CURVE& curve) {
+  const real w =
+      loaded_length <= curve.HA_L0 ? curve.HA_W0 : curve.HA_K * std::pow(1.0F / loaded_length, curve.HA_P);
+  return curve.HA_WMIN > w ? curve.HA_WMIN : w;
+}
+
+T_SPAN BRACKET_POINT(real position, TABLE<const real, POINT> LANE_X, std::int32_t n) {
+  if (position == LANE_X(1)) return {1, n};
+  if (position == LANE_X(n)) return {n, n};
+  std::int32_t lo = 1;
+  std::int32_t hi = n;
+  std::int32_t probe = n / 2;
+  constexpr int MAX_PASSES = 1000;
+  for (int pass = 0; pass < MAX_PASSES; ++pass) {
+    if (position > LANE_X(probe)) {
+      lo = probe;
+      probe = static_cast<std::int32_t>(lo + (hi - lo) * 0.5 + 1.0);
+    } else if (position < LANE_X(probe)) {
+      hi = probe;
+      probe = static_cast<std::int32_t>(lo + (probe - lo) * 0.5 - 1.0);
+    } else if (position == LANE_X(probe)) {
+      return probe == 1 ? T_SPAN{1, 2} : T_SPAN{probe - 1, probe + 1};
+    }
+    if (hi - lo < 3) break;
+  }
+  return {lo, hi};
+}
+
+template <LAYOUT L>
+T_ORDINATE ORDINATE_AT(real position, const T_LINE& line) {
+  // Written so that a position that isn't a number lies off the lane.
+  if (line.n < 1 || !(position >= line.LANE_X(1) && position <= line.LANE_X(line.n))) return {};
+  const T_SPAN span = BRACKET_POINT(position, line.LANE_X, line.n);
+  const std::int32_t last = std::min(span.HI, line.n);
+
+  // A point at the position goes before any segment that ends there, so that an axle on a jump counts its
+  // worse side.
+  for (std::int32_t k = span.LO; k <= last; ++k) {
+    if (position == line.LANE_X(k)) return L::AT_POINT(line, k);
+  }
+  for (std::int32_t k = span.LO; k <= last && k < line.n; ++k) {
+    if (line.LANE_X(k) <= position && position <= line.LANE_X(k + 1)) {
+      const real length = line.LANE_X(k + 1) - line.LANE_X(k);
+      const real f = length > 0 ? (position - line.LANE_X(k)) / length : 0.0F;
+      const real ordinate = (1 - f) * line.AFTER(k) + f * line.BEFORE(k + 1);
+      return {ordinate, ordinate};
+    }
+  }
+  return {};
+}
+
+T_ZONE_PLACE LOCATE_ZONE(real far_end, real near_end, TABLE<const real, POINT> LANE_X, std::int32_t n) {
+  T_ZONE_PLACE zone;
+  if (n < 2) return zone;
+  struct PLACE {
+    std::int32_t lower;
+    real fraction;
+    bool on_point;
+  };
+  const auto place = [&](real position) -> PLACE {
+    for (std::int32_t i = 1; i <= n; ++i) {
+      if (position == LANE_X(i)) return {i, 0, true};
+      if (i < n && LANE_X(i) < position && position < LANE_X(i + 1)) {
+        return {i, (position - LANE_X(i)) / (LANE_X(i + 1) - LANE_X(i)), false};
+      }
+    }
+    return {0, 0, true};
+  };
+  const PLACE far_place = place(far_end);
+  const PLACE near_place = place(near_end);
+  zone.FAR_INDEX = far_place.lower;
+  zone.FAR_FRACTION = far_place.fraction;
+  zone.NEAR_INDEX = near_place.on_point ? near_place.lower : near_place.lower + 1;
+  zone.NEAR_FRACTION = near_place.fraction;
+  return zone;
+}
+
+namespace {
+
+void add_pair(T_RANGE_DISTANCES& side, real start, real end) {
+  if (side.RANGE_COUNT < MAX_RANGES) side.PAIRS[static_cast<std::size_t>(side.RANGE_COUNT)] = {start, end};
+  ++side.RANGE_COUNT;
+}
+
+/// One side by points. The negative side is the positive one with the line turned over, which changes no
+/// magnitude.
+template <class ORDINATE>
+void distances_of_side(const T_LINE& line, ORDINATE y, T_RANGE_DISTANCES& side) {
+  const std::int32_t n = line.n;
+  const auto x = line.LANE_X;
+  std::int32_t scan = 1;
+  while (scan <= n) {
+    std::int32_t start = scan;
+    while (start <= n && !(y(start) > 0 || (y(start) == 0 && start < n && y(start + 1) > 0))) ++start;
+    if (start > n) return;
+
+    std::int32_t end = start;
+    for (std::int32_t t = start; t <= n; ++t) {
+      if (y(t) < 0) {
+        end = t - 1;
+        break;
+      }
+      end = t;
+      if (t < n && y(t) == 0 && y(t + 1) == 0) break;
+    }
+
+    real start_distance = 0;
+    if (y(start) == 0) {
+      start_distance = x(start);
+    } else if (y(start) > 0 && start >= 2) {
+      const real before = std::fabs(y(start - 1));
+      start_distance = x(start - 1) + (x(start) - x(start - 1)) * before / (before + std::fabs(y(start)));
+    }
+    real end_distance = 0;
+    if (y(end) == 0 || (y(end) > 0 && end == n)) {
+      end_distance = x(end);
+    } else if (y(end) > 0) {
+      const real here = std::fabs(y(end));
+      end_distance = x(end) + (x(end + 1) - x(end)) * here / (here + std::fabs(y(end + 1)));
+    }
+    add_pair(side, start_distance, end_distance);
+    scan = end + 1;
+  }
+}
+
+}  // namespace
+
+void RANGE_DISTANCES(const T_LINE& line, std::array<T_RANGE_DISTANCES, N_SIDES>& sides) {
+  sides = {};
+  distances_of_side(
+      line, [&](std::int32_t i) { return line.BEFORE(i); }, sides[MAX_SIDE]);
+  distances_of_side(
+      line, [&](std::int32_t i) { return -line.BEFORE(i); }, sides[MIN_SIDE]);
+}
+
+void RANGE_DISTANCES_JUMP(const T_LINE& line, std::array<T_RANGE_DISTANCES, N_SIDES>& sides) {
+  sides = {};
+  struct OPEN_RANGE {
+    real area = 0;
+    real length = 0;
+  };
+  std::array<OPEN_RANGE, N_SIDES> open;
+  const auto close = [&](int side, real end) {
+    add_pair(sides[static_cast<std::size_t>(side)], end - open[static_cast<std::size_t>(side)].length, end);
+    open[static_cast<std::size_t>(side)] = {};
+  };
+  for (std::int32_t i = 1; i < line.n; ++i) {
+    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
+    const real a = line.AFTER(i);
+    const real b = line.BEFORE(i + 1);
+    if (a == 0 && b == 0) continue;
+    const bool rises = a >= 0 && b > 0;
+    if (rises || (a <= 0 && b < 0)) {
+      const int sign = rises ? MAX_SIDE : MIN_SIDE;
+      const int other = 1 - sign;
+      auto& range = open[static_cast<std::size_t>(sign)];
+      range.length += dx;
+      range.area += (a + b) * dx * 0.5F;
+      const auto& left_open = open[static_cast<std::size_t>(other)];
+      if (left_open.area != 0 && left_open.length != 0) close(other, line.LANE_X(i));
+    } else if ((a > 0 && b <= 0) || (a < 0 && b >= 0)) {
+      const int ending = a > 0 ? MAX_SIDE : MIN_SIDE;
+      auto& first = open[static_cast<std::size_t>(ending)];
+      auto& second = open[static_cast<std::size_t>(1 - ending)];
+      const real x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
+      first.length += x0;
+      first.area += a * 0.5F * x0;
+      second.length += dx - x0;
+      second.area += b * 0.5F * (dx - x0);
+      close(ending, line.LANE_X(i) + x0);
+    }
+  }
+  if (line.n < 1) return;
+  if (open[MAX_SIDE].area > 0) close(MAX_SIDE, line.LANE_X(line.n));
+  if (open[MIN_SIDE].area < 0) close(MIN_SIDE, line.LANE_X(line.n));
+}
+
+template void CUT_RANGES<SIMPLE_LAYOUT>(const T_LINE&, T_RANGE_WORK&);
+template void CUT_RANGES<JUMP_LAYOUT>(const T_LINE&, T_RANGE_WORK&);
+template void CUT_RANGES_BESIDE_ZONE<SIMPLE_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, T_RANGE_WORK&);
+template void CUT_RANGES_BESIDE_ZONE<JUMP_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, T_RANGE_WORK&);
+template T_ORDINATE ORDINATE_AT<SIMPLE_LAYOUT>(real, const T_LINE&);
+template T_ORDINATE ORDINATE_AT<JUMP_LAYOUT>(real, const T_LINE&);
+
+}  // namespace search

@@ -1,0 +1,232 @@
+// The examples' responses against statics, and the promises of the random models.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "modelkit/example_bridge.h"
+#include "modelkit/example_span.h"
+#include "modelkit/model_writer.h"
+#include "modelkit/random_model.h"
+
+namespace modelkit {
+namespace {
+
+/// The line of one component along a lane, entry weights added up and averaged over the entries.
+std::vector<double> line_of(const T_LANE& lane, const std::vector<float>& component) {
+  const auto response = [&](const T_LOAD_SHARE& link) {
+    if (link.load > 0)
+      return link.weight * static_cast<double>(component[static_cast<std::size_t>(link.load) - 1]);
+    double sum = 0.0;
+    if (link.load < 0)
+      for (const T_LOAD_SHARE& share : lane.spread_rows[static_cast<std::size_t>(-link.load) - 1])
+        sum += share.weight * static_cast<double>(component[static_cast<std::size_t>(share.load) - 1]);
+    return sum;
+  };
+  std::vector<double> line;
+  for (const T_INFLUENCE_POINT& point : lane.points) {
+    double sum = 0.0;
+    for (const T_TRANSVERSE_ENTRY& entry : point.entries) sum += response(entry.a) + response(entry.b);
+    line.push_back(sum / lane.entries_per_point);
+  }
+  return line;
+}
+
+double area_under(const T_LANE& lane, const std::vector<double>& line) {
+  double area = 0.0;
+  for (std::size_t i = 1; i < line.size(); ++i)
+    area += 0.5 * (line[i] + line[i - 1]) * (lane.points[i].x - lane.points[i - 1].x);
+  return area;
+}
+
+TEST(example_span, the_simple_span_gives_the_values_worked_out_by_hand) {
+  struct by_hand {
+    double span;
+    double moment;
+  };
+  for (const by_hand& expected : {by_hand{25.0, 3093.75}, by_hand{30.0, 4275.0}, by_hand{50.0, 8858.96}}) {
+    const T_MODEL model = SIMPLE_SPAN_MODEL(expected.span, 51, {.overrun = 80.0, .abutment_gap = 1e-6});
+    const T_VEHICLE& vehicle = model.vehicle_groups[0].vehicles[0];
+    const double w = expected.span <= vehicle.geometry[0]
+                         ? vehicle.ha_w0
+                         : vehicle.ha_k * std::pow(1.0 / expected.span, vehicle.ha_p);
+    const auto effect = [&](SPAN_ITEM item) {
+      const std::vector<double> line =
+          line_of(model.lanes[0], model.simb[0].values[static_cast<std::size_t>(item) - 1]);
+      return w * area_under(model.lanes[0], line) + vehicle.loads[0] * *std::ranges::max_element(line);
+    };
+    EXPECT_NEAR(effect(SPAN_MIDSPAN_MOMENT), expected.moment, 0.01);
+    EXPECT_NEAR(effect(SPAN_END_SHEAR), 0.5 * w * expected.span + 120.0, 0.01);
+    EXPECT_TRUE(std::ranges::is_sorted(model.lanes[0].points, {}, &T_INFLUENCE_POINT::x));
+    EXPECT_EQ(model.lanes[0].points.front().x, 0.0);
+    EXPECT_NEAR(model.lanes[0].points.back().x, 160.0 + expected.span, 1e-12);
+  }
+}
+
+TEST(example_span, the_two_span_beam_is_in_equilibrium_and_has_the_known_support_moment) {
+  constexpr double FIRST = 20.0;
+  constexpr double SECOND = 30.0;
+  constexpr int POINTS = 201;
+  const T_MODEL model = TWO_SPAN_MODEL(FIRST, SECOND, POINTS);
+  const auto component = [&](TWO_SPAN_ITEM item) -> const std::vector<float>& {
+    return model.simb[0].values[static_cast<std::size_t>(item) - 1];
+  };
+  for (std::size_t load = 0; load < static_cast<std::size_t>(model.unit_loads); ++load) {
+    const double a = model.lanes[0].points[load].x;
+    const double first = static_cast<double>(component(TWO_SPAN_FIRST_REACTION)[load]);
+    const double inner = static_cast<double>(component(TWO_SPAN_INNER_REACTION)[load]);
+    const double last = static_cast<double>(component(TWO_SPAN_LAST_REACTION)[load]);
+    EXPECT_NEAR(first + inner + last, 1.0, 1e-6);
+    EXPECT_NEAR(inner * FIRST + last * (FIRST + SECOND), a, 1e-4);
+    // The middle of the first span and the inner support, by statics from the first reaction.
+    EXPECT_NEAR(static_cast<double>(component(TWO_SPAN_FIRST_MOMENT)[load]),
+                0.5 * FIRST * first - std::max(0.0, 0.5 * FIRST - a), 1e-4);
+    EXPECT_NEAR(static_cast<double>(component(TWO_SPAN_SUPPORT_MOMENT)[load]),
+                FIRST * first - std::max(0.0, FIRST - a), 1e-4);
+  }
+  // Under a load q on both spans: M = -q (L1^3 + L2^3) / 8 (L1 + L2).
+  const double area = area_under(model.lanes[0], line_of(model.lanes[0], component(TWO_SPAN_SUPPORT_MOMENT)));
+  EXPECT_NEAR(area, -(std::pow(FIRST, 3) + std::pow(SECOND, 3)) / (8.0 * (FIRST + SECOND)), 0.01);
+}
+
+class example_bridge : public testing::Test {
+ protected:
+  static const T_EXAMPLE& bridge() {
+    static const T_EXAMPLE example = EXAMPLE_BRIDGE();
+    return example;
+  }
+  static const std::vector<float>& section(int beam, BRIDGE_ITEM item) {
+    return bridge().model.simb[static_cast<std::size_t>(beam) - 1].values[static_cast<std::size_t>(item) - 1];
+  }
+};
+
+TEST_F(example_bridge, every_unit_load_is_carried_by_the_bearings) {
+  for (std::size_t load = 0; load < static_cast<std::size_t>(bridge().model.unit_loads); ++load) {
+    double sum = 0.0;
+    double about_abutment = 0.0;
+    for (const T_RESPONSE& support : bridge().model.reac) {
+      const double reaction = static_cast<double>(support.values[2][load]);
+      sum += reaction;
+      about_abutment += reaction * ((support.id - 1) / BRIDGE_BEAMS);
+    }
+    ASSERT_NEAR(sum, 1.0, 1e-5);
+    ASSERT_NEAR(about_abutment, static_cast<double>(load / BRIDGE_BEAMS), 1e-3);
+  }
+}
+
+TEST_F(example_bridge, the_deck_is_symmetric_and_bends_the_way_the_signs_say) {
+  const std::size_t middle = static_cast<std::size_t>(BRIDGE_NODE(35, 3)) - 1;
+  EXPECT_GT(section(3, BRIDGE_MOMENT_MAIN_SPAN)[middle], 0.0F);
+  EXPECT_LT(section(3, BRIDGE_MOMENT_FIRST_PIER)[middle], 0.0F);
+  EXPECT_LT(section(3, BRIDGE_MOMENT_FIRST_SPAN)[middle], 0.0F);
+  EXPECT_GT(section(3, BRIDGE_SHEAR_BEHIND_PIER_1)[middle], 0.0F);
+  EXPECT_GT(bridge().model.disp[middle].values[2][middle], 0.0F);
+
+  for (int station = 0; station <= BRIDGE_LENGTH; ++station) {
+    for (int beam = 1; beam <= BRIDGE_BEAMS; ++beam) {
+      const auto load = static_cast<std::size_t>(BRIDGE_NODE(station, beam)) - 1;
+      const auto mirrored = static_cast<std::size_t>(BRIDGE_NODE(BRIDGE_LENGTH - station, 6 - beam)) - 1;
+      const auto across = static_cast<std::size_t>(BRIDGE_NODE(station, 6 - beam)) - 1;
+      EXPECT_NEAR(section(1, BRIDGE_MOMENT_MAIN_SPAN)[load], section(5, BRIDGE_MOMENT_MAIN_SPAN)[across],
+                  1e-4F);
+      EXPECT_NEAR(section(1, BRIDGE_SHEAR_BEHIND_PIER_1)[load],
+                  -section(5, BRIDGE_SHEAR_BEFORE_PIER_2)[mirrored], 1e-4F);
+    }
+  }
+}
+
+TEST_F(example_bridge, a_lane_bears_on_the_deck_alone_and_its_segments_repeat_their_ends) {
+  const std::vector<float> one(static_cast<std::size_t>(bridge().model.unit_loads), 1.0F);
+  for (const T_LANE& lane : bridge().model.lanes) {
+    ASSERT_EQ(lane.points.size() % 21, 0U);
+    const std::vector<double> share = line_of(lane, one);
+    for (std::size_t i = 0; i < lane.points.size(); ++i) {
+      const double x = lane.points[i].x - BRIDGE_APPROACH;
+      ASSERT_NEAR(share[i], x >= 0.0 && x <= BRIDGE_LENGTH ? 1.0 : 0.0, 1e-12) << "at " << x;
+      if (i > 0) {
+        ASSERT_EQ(lane.points[i].x == lane.points[i - 1].x, i % 21 == 0);
+        ASSERT_GE(lane.points[i].x, lane.points[i - 1].x);
+      }
+    }
+    // The longest vehicle, 26 + 2 * 1.8 m between its outer axles, with 25 m clear at either end.
+    EXPECT_GE(lane.points.back().x - BRIDGE_APPROACH - BRIDGE_LENGTH, 26.0 + 2.0 * 1.8 + 2.0 * 25.0);
+    // The shares of a point balance about it.
+    std::vector<float> station(one.size());
+    for (std::size_t load = 0; load < one.size(); ++load)
+      station[load] = static_cast<float>(load / BRIDGE_BEAMS);
+    const std::vector<double> place = line_of(lane, station);
+    for (std::size_t i = 0; i < place.size(); ++i)
+      ASSERT_NEAR(place[i], share[i] * (lane.points[i].x - BRIDGE_APPROACH), 1e-9);
+  }
+}
+
+TEST_F(example_bridge, cases_carry_the_lane_factors_and_the_file_stays_modest) {
+  const T_MODEL& model = bridge().model;
+  ASSERT_EQ(model.moving_load_cases.size(), bridge().case_names.size());
+  ASSERT_EQ(model.lanes.size(), bridge().lane_names.size());
+  for (const int hb : {0, 1}) {
+    const T_MOVING_LOAD_CASE& load_case =
+        model.moving_load_cases[hb == 0 ? BRIDGE_CASE_HA - 1 : BRIDGE_CASE_HB - 1];
+    EXPECT_EQ(load_case.combinations.size(), hb == 0 ? 3U : 6U);
+    for (const T_COMBINATION& combination : load_case.combinations) {
+      double scales = 0.0;
+      int vehicles = 0;
+      for (const T_LANE_LOAD& load : combination) {
+        scales += load.scale;
+        vehicles += load.code == 2 ? 1 : 0;
+      }
+      EXPECT_NEAR(scales, 2.0 + 1.0 / 3.0, 1e-12);
+      EXPECT_EQ(vehicles, hb);
+    }
+  }
+  const T_FILE_LAYOUT layout = WRITE_MODEL(model, testing::TempDir() + "movload_bridge");
+  EXPECT_LT(layout.size, 30'000'000);
+  EXPECT_EQ(static_cast<std::int64_t>(std::filesystem::file_size(layout.path)), layout.size);
+}
+
+TEST(random_model, references_stay_within_their_bounds) {
+  std::mt19937_64 random(1);
+  std::set<std::string> seen;
+  for (int round = 0; round < 300; ++round) {
+    const T_MODEL model =
+        RANDOM_MODEL(random, {.straddle_lanes = 0.4, .axle_lists = 0.4, .class_definitions = 0.4});
+    const auto lanes = static_cast<std::int32_t>(model.lanes.size());
+    const auto classes = static_cast<std::int32_t>(model.vehicle_groups.size());
+    const auto is_load = [&](std::int32_t load) { return load >= 1 && load <= model.unit_loads; };
+    bool straddle = false;
+    for (const T_LANE& lane : model.lanes) {
+      ASSERT_TRUE(lane.is_straddle || !straddle) << "straddle lanes stand last";
+      straddle = lane.is_straddle;
+      ASSERT_TRUE(!straddle || lane.entries_per_point / lane.entries_per_plane >= 3);
+      for (const T_SPREAD_ROW& row : lane.spread_rows)
+        for (const T_LOAD_SHARE& share : row) ASSERT_TRUE(is_load(share.load));
+      for (std::size_t i = 0; i < lane.points.size(); ++i) {
+        ASSERT_EQ(std::ssize(lane.points[i].entries), lane.entries_per_point);
+        for (const T_TRANSVERSE_ENTRY& entry : lane.points[i].entries)
+          for (const std::int32_t load : {entry.a.load, entry.b.load})
+            ASSERT_TRUE(load == 0 || is_load(load) || (load < 0 && -load <= std::ssize(lane.spread_rows)));
+        if (i == 0) continue;
+        ASSERT_GE(lane.points[i].x, lane.points[i - 1].x);
+        if (lane.points[i].x == lane.points[i - 1].x) seen.insert("repeated point");
+      }
+    }
+    for (const T_MOVING_LOAD_CASE& load_case : model.moving_load_cases)
+      for (const T_COMBINATION& combination : load_case.combinations)
+        for (const T_LANE_LOAD& load : combination) ASSERT_TRUE(load.code >= 0 && load.code <= 4 * classes);
+    for (const T_AXLE_LIST& list : model.axle_lists)
+      for (const std::int32_t lane : list.lanes) ASSERT_TRUE(lane >= 0 && lane <= lanes);
+    if (straddle) seen.insert("straddle lane");
+    if (!model.axle_lists.empty()) seen.insert("axle list");
+    if (!model.class_definitions.empty()) seen.insert("class definition");
+    if (round % 50 == 0) WRITE_MODEL(model, testing::TempDir() + "movload_random");
+  }
+  EXPECT_EQ(seen.size(), 4U) << "every feature is drawn";
+}
+
+}  // namespace
+}  // namespace modelkit

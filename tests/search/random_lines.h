@@ -1,0 +1,62 @@
+// Random influence lines with what a search is given beside them, one case a seed.
+//
+// Smooth lines and noise, and above all what breaks a search: ties, zeros, repeated points, jumps, lanes
+// without points or with more ranges than the lists hold, ends of a zone on, beside and between the points.
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "search/ha_search.h"
+#include "tests/search/plain_search.h"
+
+/// The library's view of a line.
+inline search::T_LINE VIEW(const plain::LINE& line) {
+  const auto table = [](const plain::LIST<float>& list) {
+    return TABLE<const real, POINT>(list.values.data(), {list.count()});
+  };
+  return {line.n(), table(line.X), table(line.BEFORE), table(line.AFTER), line.TWO_COLUMNS};
+}
+
+/// Lines from literals.
+inline plain::LINE SIMPLE_LINE(std::vector<float> x, std::vector<float> y) {
+  return {false, false, {std::move(x)}, {y}, {y}};
+}
+inline plain::LINE JUMP_LINE(std::vector<float> x, std::vector<float> before, std::vector<float> after) {
+  return {true, true, {std::move(x)}, {std::move(before)}, {std::move(after)}};
+}
+
+/// Small portable random choices; the standard distributions differ between platforms.
+struct RANDOM {
+  explicit RANDOM(std::uint64_t seed) : engine(seed) {}
+
+  int below(int count) { return static_cast<int>(engine() % static_cast<std::uint64_t>(count)); }
+  int between(int low, int high) { return low + below(high - low + 1); }
+  bool one_in(int count) { return below(count) == 0; }
+  float unit() { return static_cast<float>(engine() >> 40) * 0x1p-24F; }  // 0 up to below 1
+  float noise() { return 2.0F * unit() - 1.0F; }
+
+  std::mt19937_64 engine;
+};
+
+/// The stretch of an HB, NEAR_END not above FAR_END, both on the lane.
+struct RANDOM_ZONE {
+  float FAR_END = 0;
+  float NEAR_END = 0;
+  float VEHICLE_LENGTH = 0;
+};
+
+struct RANDOM_CASE {
+  std::string KIND;       // in words, for messages
+  plain::LINE SIMPLE[2];  // two ordinate sets A and B on the same positions
+  plain::LINE JUMP[2];    // the same line with jumps, or without them and with one column
+  plain::HA_CURVE CURVE;
+  float KEL_LOAD = 0;
+  std::vector<RANDOM_ZONE> ZONES;  // none where n is below 2
+  std::vector<float> PROBES;       // positions to read the line at, some off the lane
+};
+
+RANDOM_CASE MAKE_RANDOM_CASE(std::uint64_t seed);
