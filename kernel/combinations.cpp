@@ -32,7 +32,7 @@ T_CODE_BOOK::T_CODE_BOOK(const std::vector<search::T_VEHICLE>& vehicles, std::in
   classes_.erase(std::unique(classes_.begin(), classes_.end()), classes_.end());
 
   const std::int64_t codes = std::min<std::int64_t>(highest_code_ + 1, MOST_USUAL_CODES);
-  for (std::int32_t code = 0; code < codes; ++code) usual_codes_.push_back(work_out(code));
+  for (std::int32_t code = 0; code < codes; ++code) usual_.push_back(MEANING(code).SLOT_CODE);
 }
 
 std::int32_t T_CODE_BOOK::CLASS_SLOT(std::int32_t veh_class) const noexcept {
@@ -40,7 +40,7 @@ std::int32_t T_CODE_BOOK::CLASS_SLOT(std::int32_t veh_class) const noexcept {
   return at != classes_.end() && *at == veh_class ? static_cast<std::int32_t>(at - classes_.begin()) + 1 : 0;
 }
 
-T_CODE_BOOK::T_MEANING T_CODE_BOOK::work_out(std::int32_t code) const {
+T_CODE_BOOK::T_MEANING T_CODE_BOOK::MEANING(std::int32_t code) const {
   T_MEANING meaning;
   if (code <= 0) return meaning;
   const std::int32_t group = group_of_code(code);
@@ -54,6 +54,49 @@ T_CODE_BOOK::T_MEANING T_CODE_BOOK::work_out(std::int32_t code) const {
   }
   return meaning;
 }
+
+/// Which codes every lane meets while the combinations are read, and which of them with a scale other than 0.
+/// Noted by code, and turned into vehicle columns once at the end: a model has far more combinations than
+/// codes.
+class T_COMBINATIONS::T_CODE_USE {
+ public:
+  T_CODE_USE(std::int32_t num_lane, const T_CODE_BOOK& book)
+      : book_(book),
+        usual_(static_cast<std::size_t>(num_lane) * book.USUAL_CODES()),
+        lanes_(static_cast<std::size_t>(num_lane)) {}
+
+  void NOTE(std::size_t lane, std::int32_t code, bool scaled) {
+    const auto at = static_cast<std::size_t>(code);
+    if (at < book_.USUAL_CODES()) {
+      usual_[lane * book_.USUAL_CODES() + at] |= scaled ? NAMED | SCALED : NAMED;
+    } else {
+      note_columns(lane, code, scaled);
+    }
+  }
+
+  [[nodiscard]] std::vector<T_LANE_VEHICLES> LANE_VEHICLES() {
+    for (std::size_t at = 0; at < usual_.size(); ++at) {
+      if (usual_[at] == 0) continue;
+      const std::size_t lane = at / book_.USUAL_CODES();
+      note_columns(lane, static_cast<std::int32_t>(at % book_.USUAL_CODES()), (usual_[at] & SCALED) != 0);
+    }
+    return std::move(lanes_);
+  }
+
+ private:
+  static constexpr std::uint8_t NAMED = 1;
+  static constexpr std::uint8_t SCALED = 2;
+
+  void note_columns(std::size_t lane, std::int32_t code, bool scaled) {
+    const T_COLUMN_SET columns = book_.MEANING(code).COLUMNS;
+    lanes_[lane].NAMED |= columns;
+    if (scaled) lanes_[lane].SCALED |= columns;
+  }
+
+  const T_CODE_BOOK& book_;
+  std::vector<std::uint8_t> usual_;  // by lane, then code
+  std::vector<T_LANE_VEHICLES> lanes_;
+};
 
 void T_COMBINATIONS::MEMORY_FREE::operator()(void* memory) const noexcept {
   std::free(memory);
@@ -81,7 +124,7 @@ STATUS T_COMBINATIONS::LOAD(RECORD_FILE& unit, const std::string& file_name, std
     rows += count;
     record += count;
   }
-  lane_vehicles_.assign(static_cast<std::size_t>(lanes), {});
+  T_CODE_USE use(num_lane, book_);
 
   const auto values = static_cast<std::size_t>(std::max<std::int64_t>(rows * lanes, 1));
   codes_.reset(static_cast<T_SLOT_CODE*>(memory(values * sizeof(T_SLOT_CODE))));
@@ -100,15 +143,16 @@ STATUS T_COMBINATIONS::LOAD(RECORD_FILE& unit, const std::string& file_name, std
       const std::int64_t at = (mv_case.FIRST_ROW + c) * lanes;
       T_SLOT_CODE* codes = on_disk_ ? row_codes.data() : codes_.get() + at;
       real* scales = on_disk_ ? row_scales.data() : scales_.get() + at;
-      STATUS status = read_row(block, mv_case.FIRST_RECORD + c, codes, scales, &lane_vehicles_);
+      STATUS status = read_row(block, mv_case.FIRST_RECORD + c, codes, scales, &use);
       if (!status.OK()) return status;
     }
   }
+  lane_vehicles_ = use.LANE_VEHICLES();
   return {};
 }
 
 STATUS T_COMBINATIONS::read_row(BLOCK_READER& block, std::int64_t record, T_SLOT_CODE* codes, real* scales,
-                                std::vector<T_LANE_VEHICLES>* lane_vehicles) const {
+                                T_CODE_USE* use) const {
   const auto lanes = static_cast<std::size_t>(num_lane_);
   const std::byte* bytes = nullptr;
   const std::size_t row_bytes = lanes * (sizeof(std::int32_t) + sizeof(double));
@@ -121,13 +165,10 @@ STATUS T_COMBINATIONS::read_row(BLOCK_READER& block, std::int64_t record, T_SLOT
     if (code < 0 || code > book_.HIGHEST_CODE()) {
       return block.BOUNDS(record, "LANE_CODE", code, 0, book_.HIGHEST_CODE());
     }
-    const auto scale = static_cast<real>(scale_items.NEXT<double>());
-    const T_CODE_BOOK::T_MEANING meaning = book_.MEANING(code);
-    codes[lane] = meaning.SLOT_CODE;
-    scales[lane] = scale;
-    if (lane_vehicles == nullptr) continue;
-    (*lane_vehicles)[lane].NAMED |= meaning.COLUMNS;
-    if (scale != 0) (*lane_vehicles)[lane].SCALED |= meaning.COLUMNS;
+    const auto at = static_cast<std::size_t>(code);
+    codes[lane] = at < book_.USUAL_CODES() ? book_.USUAL_SLOT_CODE(at) : book_.MEANING(code).SLOT_CODE;
+    scales[lane] = static_cast<real>(scale_items.NEXT<double>());
+    if (use != nullptr) use->NOTE(lane, code, scales[lane] != 0);
   }
   return {};
 }

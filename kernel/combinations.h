@@ -44,18 +44,18 @@ class T_CODE_BOOK {
   /// Slot of a class, 0 where no vehicle has it.
   [[nodiscard]] std::int32_t CLASS_SLOT(std::int32_t veh_class) const noexcept;
   [[nodiscard]] std::int64_t HIGHEST_CODE() const noexcept { return highest_code_; }
-  [[nodiscard]] T_MEANING MEANING(std::int32_t code) const {
-    const auto at = static_cast<std::size_t>(code);
-    return at < usual_codes_.size() ? usual_codes_[at] : work_out(code);
-  }
+  [[nodiscard]] T_MEANING MEANING(std::int32_t code) const;
+
+  /// The low codes, from 0, whose meaning is worked out beforehand: all of them but for models of very many
+  /// classes.
+  [[nodiscard]] std::size_t USUAL_CODES() const noexcept { return usual_.size(); }
+  [[nodiscard]] T_SLOT_CODE USUAL_SLOT_CODE(std::size_t code) const noexcept { return usual_[code]; }
 
  private:
-  [[nodiscard]] T_MEANING work_out(std::int32_t code) const;
-
   std::vector<std::int32_t> classes_;
-  std::vector<std::int32_t> groups_;    // VEH_GROUP of each column
-  std::int64_t highest_code_ = 0;       // 4 * N_VEHICLE_CLASS
-  std::vector<T_MEANING> usual_codes_;  // worked out beforehand
+  std::vector<std::int32_t> groups_;  // VEH_GROUP of each column
+  std::int64_t highest_code_ = 0;     // 4 * N_VEHICLE_CLASS
+  std::vector<T_SLOT_CODE> usual_;
 };
 
 /// Which vehicle columns stand on a lane: where a code of any combination names the column's group, and where
@@ -102,8 +102,9 @@ class T_COMBINATIONS {
     std::int32_t COUNT = 0;
   };
 
+  class T_CODE_USE;
   STATUS read_row(BLOCK_READER& block, std::int64_t record, T_SLOT_CODE* codes, real* scales,
-                  std::vector<T_LANE_VEHICLES>* lane_vehicles) const;
+                  T_CODE_USE* use) const;
 
   std::string file_name_;
   std::int32_t num_lane_ = 0;

@@ -63,7 +63,7 @@ STATUS read_mvif(RECORD_FILE& unit, const std::string& file_name, T_COUNTS& coun
     return status;
   }
   counts.PLATE_FORM = words(7) % 100;
-  counts.CLASS_LANES = words(18) == 1;
+  counts.CLASS_LANES = words(18);
 
   // Read anew at its full length: the counts of the moving load cases stand between the fixed words.
   if (STATUS status = words.READ(block, FIXED_WORDS + counts.N_MV_CASE); !status.OK()) return status;

@@ -58,7 +58,7 @@ struct T_COUNTS {
   std::int32_t MAX_LANE_EXTRA = 0;
   std::int32_t MAX_SPREAD = 0;
   std::int32_t MAX_TRANSVERSE = 0;
-  bool CLASS_LANES = false;
+  std::int32_t CLASS_LANES = 0;  // 1: lane definitions of classes are read; 0: repeated points are dropped
   bool KEEP_POINTS = false;
   std::vector<std::int32_t> N_COMBINATION;               // by moving load case
   std::array<std::int32_t, N_FAMILIES> ELEM_PER_FILE{};  // by FAMILY

@@ -30,7 +30,7 @@ STATUS READ_MODEL(RECORD_FILE& unit, const T_REQUEST& request, std::int32_t host
 
   // These kinds of analysis alone know lane definitions of a class.
   const bool knows_class_lanes = request.ANALYSIS_CODE < 2 || request.ANALYSIS_CODE == 3;
-  if (counts.CLASS_LANES && knows_class_lanes) {
+  if (counts.CLASS_LANES == 1 && knows_class_lanes) {
     STATUS status = READ_CLASS_DEFINITIONS(unit, file, counts, vehicles, model.CLASS_DEFINITIONS);
     if (!status.OK()) return status;
   }

@@ -62,7 +62,7 @@ STATUS RUN_KERNEL(const T_REQUEST& request, const T_HOST_RESULTS& host) {
   }
   COPY_TO_HOST(envelope, host.RECORDS);
   FOLD_STRADDLE_LANES(model.LANES, envelope, host.RECORDS);
-  const T_POINT_RULES rules{model.POINTS_PER_SEGMENT, model.COUNTS.KEEP_POINTS, model.COUNTS.CLASS_LANES,
+  const T_POINT_RULES rules{model.POINTS_PER_SEGMENT, model.COUNTS.KEEP_POINTS, model.COUNTS.CLASS_LANES != 0,
                             IS_SECTION_ITEM(request.RESULT_KIND, request.RESULT_ITEM)};
   const std::int32_t bad_portions =
       CHECK_LOAD_COMBINATION(host.RECORDS, model.COUNTS.NUM_LANE, model.COUNTS.N_STRADDLE, rules);

@@ -62,7 +62,7 @@ struct T_MODEL {
   std::int32_t POINTS_PER_SEGMENT = 0;
 
   [[nodiscard]] bool HAS_CLASS_LANES() const noexcept {
-    return COUNTS.CLASS_LANES && !CLASS_DEFINITIONS.CLASS_DEF.empty();
+    return COUNTS.CLASS_LANES == 1 && !CLASS_DEFINITIONS.CLASS_DEF.empty();
   }
   [[nodiscard]] const search::T_LANE& LANE(std::int32_t lane) const {
     return LANES[static_cast<std::size_t>(lane - 1)];

@@ -167,7 +167,7 @@ class LANE_SEARCH {
 
  private:
   [[nodiscard]] bool drops_points() const {
-    return layout_ == ROW_LAYOUT::SIMPLE && !model_.COUNTS.CLASS_LANES && !lane_.LANE_KEEP_POINTS;
+    return layout_ == ROW_LAYOUT::SIMPLE && model_.COUNTS.CLASS_LANES == 0 && !lane_.LANE_KEEP_POINTS;
   }
 
   [[nodiscard]] bool is_in_use(const kernel::T_COLUMN_SET& scaled, std::int32_t veh_class) const {

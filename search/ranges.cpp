@@ -45,6 +45,31 @@ class RANGE_CUTTER {
     }
   }
 
+  /// The segments from point i on, as long as their ends have the sign of the side beyond 0; the line has one
+  /// column. Returns the point at which the next segment begins.
+  template <LAYOUT L, SIDE SIGN>
+  std::int32_t RUN(const T_LINE& line, std::int32_t i) {
+    OPEN_RANGE range = SIGN == MAX_SIDE ? positive_ : negative_;
+    const auto y = line.BEFORE;
+    real a = y(i);
+    real x = line.LANE_X(i);
+    if (SIGN == MAX_SIDE ? a >= 0 : a <= 0) {
+      for (; i < line.n; ++i) {
+        const real b = y(i + 1);
+        if (!(SIGN == MAX_SIDE ? b > 0 : b < 0)) break;
+        const real next_x = line.LANE_X(i + 1);
+        const real dx = next_x - x;
+        if (L::SKIPS_ZERO_LENGTH && dx == 0) break;
+        range.length += dx;
+        range.area += (a + b) * dx * 0.5F;
+        a = b;
+        x = next_x;
+      }
+    }
+    (SIGN == MAX_SIDE ? positive_ : negative_) = range;
+    return i;
+  }
+
   /// A jump from the segment's end b to the next start c.
   void JUMP(real a, real b, real c) {
     if (a >= 0 && b > 0) {
@@ -92,15 +117,19 @@ class RANGE_CUTTER {
 template <LAYOUT L>
 void CUT_RANGES(const T_LINE& line, T_RANGE_WORK& work) {
   RANGE_CUTTER cutter(work, line.n);
+  const bool jumps = L::CLOSES_AT_JUMPS && line.TWO_COLUMNS;
   for (std::int32_t i = 1; i < line.n; ++i) {
+    // Most segments only lengthen the range of their sign; that much is done at once.
+    if (!jumps) {
+      i = line.AFTER(i) < 0 ? cutter.RUN<L, MIN_SIDE>(line, i) : cutter.RUN<L, MAX_SIDE>(line, i);
+      if (i == line.n) break;
+    }
     const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
     if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
     const real a = line.AFTER(i);
     const real b = line.BEFORE(i + 1);
     cutter.SEGMENT(dx, a, b);
-    if constexpr (L::CLOSES_AT_JUMPS) {
-      if (line.TWO_COLUMNS) cutter.JUMP(a, b, line.AFTER(i + 1));
-    }
+    if (jumps) cutter.JUMP(a, b, line.AFTER(i + 1));
   }
   cutter.END();
 }
