@@ -53,8 +53,7 @@ enum movload_result_kind {
   MOVLOAD_RK_SIMB = 12, /* items 1 to 12 */
   MOVLOAD_RK_ELNK = 13, /* elastic link; items 1 to 12 */
   MOVLOAD_RK_NLNK = 14, /* nonlinear link; items 1 to 12 */
-  MOVLOAD_RK_LDSP =
-      16 /* displacement in local axes; items as RK_DISP. A node without local axes has nothing to search */
+  MOVLOAD_RK_LDSP = 16  /* displacement in local axes; nothing to search for a node without local axes */
 };
 
 /* Fields of a record of K_MXLOAD and K_MNLOAD, as indices from 0 into the ten values of a lane. The record
@@ -83,35 +82,41 @@ enum movload_sizes {
 
 /* The envelope of one result under one moving load case.
  *
- *   PATH           in      base name of the model's files: path and stem, without extension
- *   PATH_LEN       in      characters of PATH; of more than 260 the first 260 are taken
- *   RESULT_KIND    in      movload_result_kind
- *   RESULT_ID      in      number of the node, support or element. One that the files don't hold gives 0 for
- * both values RESULT_ITEM    in      component, from 1; one that the kind hasn't fails MV_CASE        in
- * moving load case, from 1; one that the files don't hold gives 0 for both values NUM_LANE       in/out  in:
- * lanes of the host's arrays, at least the model's; out: the model's lanes, the straddle lanes last FINAL_MAX
- * out     greatest value, never below 0 FINAL_MIN      out     least value, never above 0 K_MXLOAD       out
- * [10, lanes] record of each lane, maximum side K_MNLOAD       out     [10, lanes] the same, minimum side
- *   MODE_CODE      in/out  in: analysis code (0, 1, 2, 3, 4 or 101, which chooses the extension .ZA3, .YA3,
- * .XA3, .WA3, .ZAX3 or .YA3), plus 100 where responses come from influence volumes, which this version
- *                          doesn't read; out: -1 on failure, else unchanged
- *   K_MAXINFL_S    out     [1000, lanes] sequence numbers of the loaded ranges, maximum side; entries 1 to
- * 500 are written, NO_LOADED_RANGE of them in use K_MININFL_S    out     [1000, lanes] the same, minimum side
- *   K_MXLOAD1ST    out     [10, lanes] records of a straddle lane, first plane, maximum side
- *   K_MNLOAD1ST    out     [10, lanes] first plane, minimum side
- *   K_MXLOAD2ND    out     [10, lanes] second plane, maximum side
- *   K_MNLOAD2ND    out     [10, lanes] second plane, minimum side
- *   K_MAXINFL_S1ST out     [1000, lanes] loaded ranges of a straddle lane, first plane, maximum side
- *   K_MININFL_S1ST out     [1000, lanes] first plane, minimum side
- *   K_MAXINFL_S2ND out     [1000, lanes] second plane, maximum side
- *   K_MININFL_S2ND out     [1000, lanes] second plane, minimum side
- *   DISTANCE_MAX_RANGE out [200, lanes] (start, end) of each range of positive influence, in lane distance:
- * the pair of range k at 2 * k - 1 and 2 * k, zeros behind the last range DISTANCE_MIN_RANGE out [200, lanes]
- * the same for the ranges of negative influence
+ *   PATH            in      base name of the model's files: path and stem, without extension
+ *   PATH_LEN        in      characters of PATH; of more than 260 the first 260 are taken
+ *   RESULT_KIND     in      movload_result_kind
+ *   RESULT_ID       in      node, support or element; one that the files don't hold gives 0 for both values
+ *   RESULT_ITEM     in      component, from 1; one that the kind hasn't fails
+ *   MV_CASE         in      moving load case, from 1; one that the files don't hold gives 0 for both values
+ *   NUM_LANE        in/out  in: lanes of the host's arrays, at least the model's;
+ *                           out: the model's lanes, the straddle lanes last
+ *   FINAL_MAX       out     greatest value, never below 0
+ *   FINAL_MIN       out     least value, never above 0
+ *   K_MXLOAD        out     [10, lanes] record of each lane, maximum side
+ *   K_MNLOAD        out     [10, lanes] the same, minimum side
+ *   MODE_CODE       in/out  in: analysis code, which chooses the extension (0 .ZA3, 1 .YA3, 2 .XA3, 3 .WA3,
+ *                           4 .ZAX3, 101 .YA3), plus 100 where responses come from influence volumes, which
+ *                           this version doesn't read;
+ *                           out: -1 on failure, else unchanged
+ *   K_MAXINFL_S     out     [1000, lanes] numbers of the loaded ranges, maximum side; entries 1 to 500 are
+ *                           written, NO_LOADED_RANGE of them in use
+ *   K_MININFL_S     out     [1000, lanes] the same, minimum side
+ *   K_MXLOAD1ST     out     [10, lanes] records of a straddle lane, first plane, maximum side
+ *   K_MNLOAD1ST     out     [10, lanes] first plane, minimum side
+ *   K_MXLOAD2ND     out     [10, lanes] second plane, maximum side
+ *   K_MNLOAD2ND     out     [10, lanes] second plane, minimum side
+ *   K_MAXINFL_S1ST  out     [1000, lanes] loaded ranges of a straddle lane, first plane, maximum side
+ *   K_MININFL_S1ST  out     [1000, lanes] first plane, minimum side
+ *   K_MAXINFL_S2ND  out     [1000, lanes] second plane, maximum side
+ *   K_MININFL_S2ND  out     [1000, lanes] second plane, minimum side
+ *   DISTANCE_MAX_RANGE
+ *                   out     [200, lanes] (start, end) of each range of positive influence, in lane distance:
+ *                           of range k at 2 * k - 1 and 2 * k; zeros behind the last range
+ *   DISTANCE_MIN_RANGE
+ *                   out     [200, lanes] the same for the ranges of negative influence
  *
  * Arrays of lanes beyond the model's are cleared, but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which
- * stay as they were.
- */
+ * stay as they were. */
 MOVLOAD_API void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t RESULT_KIND, int32_t RESULT_ID,
                                    int32_t RESULT_ITEM, int32_t MV_CASE, int32_t* NUM_LANE, double* FINAL_MAX,
                                    double* FINAL_MIN, int32_t* K_MXLOAD, int32_t* K_MNLOAD,

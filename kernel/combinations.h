@@ -1,8 +1,8 @@
 // The combinations of block MVLC: what every lane carries in each of them, and at which scale.
 //
-//   combination record   OFFSET        SIZE         MEANING
-//     LANE_CODE               0        4 * NUM_LANE int32 a lane: 4 * (vehicle class - 1) + sub-case, 0
-//     nothing LANE_SCALE   4 * NUM_LANE        8 * NUM_LANE float64 a lane: scale of the lane's load
+//   combination record   OFFSET         SIZE          MEANING
+//     LANE_CODE               0         4 * NUM_LANE  int32 a lane: 4 * (class - 1) + sub-case, 0 nothing
+//     LANE_SCALE   4 * NUM_LANE         8 * NUM_LANE  float64 a lane: scale of the lane's load
 //
 // The block holds N_MV_CASE groups, each a head record that nobody reads and then its combinations.
 #pragma once

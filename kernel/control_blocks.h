@@ -17,14 +17,15 @@
 //            17           MAX_SPREAD         greatest number of spread rows of a lane
 //            18           CLASS_LANES        1: classes can have lane definitions of their own
 //            19 on        N_COMBINATION      combinations of each of the N_MV_CASE moving load cases
-//            then         two unused words, MAX_TRANSVERSE (greatest number of transverse entries of a
-//            point), one
-//                         unused, KEEP_POINTS (not 0: repeated points are kept in all lanes), one unused
+//            then         two unused words
+//            then         MAX_TRANSVERSE     greatest number of transverse entries of a point
+//            then         one unused word
+//            then         KEEP_POINTS        not 0: repeated points are kept in all lanes
+//            then         one unused word
 //          (6, 8, 11, 12 and 14 are unused)
 //
-//   MLDI   17 or 18 words: for each element family in the order T, B, P, S, W the words ELEM_COUNT,
-//   ELEM_PER_FILE and
-//          one unused; word 15 WARPING_FLAG, 1 for seven degrees of freedom a node
+//   MLDI   17 or 18 words. For each element family in the order T, B, P, S, W: ELEM_COUNT, ELEM_PER_FILE and
+//          an unused word; then word 15 WARPING_FLAG, 1 for seven degrees of freedom a node
 //
 //   IFSV   three words, of which the third is the format number
 #pragma once

@@ -4,38 +4,42 @@
 // Records hold their items packed, and may be shorter than the block's record length. int is int32, real
 // float64.
 //
-//   LNIF, for each lane   head record (44 bytes)   int LANE_NUMBER, N_SPREAD, LANE_STATIONS, N_LANE_EXTRA,
-//   LANE_DIRECTION;
-//                                                  real unused; int IS_STRADDLE, N_TRANSVERSE, N_PER_PLANE,
-//                                                  LANE_KEEP_POINTS
-//                         straddle record          where IS_STRADDLE is 1: int STRADDLE_LEFT, STRADDLE_RIGHT,
-//                         then
-//                                                  reals that nobody reads
-//                         N_SPREAD spread records  int count, then four pairs of int load number and real
-//                         weight LANE_STATIONS points     int, real unused; real POINT_X, POINT_IMPACT; int
-//                         unused; then for
-//                                                  each of N_TRANSVERSE entries two pairs of real reference
-//                                                  and weight
-//                         N_LANE_EXTRA records     that nobody reads
-//   VEHI, for each group  group record             int VEH_GROUP, N_GROUP_VEHICLE
-//                         vehicle records          0 int VEH_CLASS; 4 int VEHICLE_CODE; 8 name of 20
-//                         characters;
-//                                                  28 real HA_W0, HA_K, HA_WMIN, HA_P; 60 int
-//                                                  N_VEHICLE_LOADS; 64 100 real VEHICLE_LOADS; 864 int
-//                                                  N_VEHICLE_GEOM; 868 100 real VEHICLE_GEOM; where a record
-//                                                  has more than 417 words two further lists of 200 real,
-//                                                  which no routine uses
-//   PHSL                  first record             int N_CLASS_DEF, MAX_DEF_ENTRIES
-//                         N_CLASS_DEF key records  int group row, CLASS_DEF_NO, lane
-//                         N_CLASS_DEF shapes       int unused, points, entries of a point; three unused; int
-//                         entries
-//                                                  of a plane
-//   LVPF, for each definition, point and entry     2 * MAX_DEF_ENTRIES + 1 reals: a count, then pairs of load
-//   number
-//                                                  and weight, held in single precision
-//   MLIF                  first record             int MAX_AXLE_LIST, N_AXLE_LIST
-//                         N_AXLE_LIST records      int unused, VEH_CLASS, lane, n, then n lane numbers
-//   NLAX                  each record              int node, position
+//   LNIF, for each lane:
+//     head record of 44 bytes   int LANE_NUMBER, N_SPREAD, LANE_STATIONS, N_LANE_EXTRA, LANE_DIRECTION; real
+//                               unused; int IS_STRADDLE, N_TRANSVERSE, N_PER_PLANE, LANE_KEEP_POINTS
+//     straddle record           where IS_STRADDLE is 1: int STRADDLE_LEFT, STRADDLE_RIGHT; reals unused
+//     N_SPREAD spread records   int count; four pairs of int load number and real weight
+//     LANE_STATIONS points      int, real unused; real POINT_X, POINT_IMPACT; int unused; for each of
+//                               N_TRANSVERSE entries two pairs of real reference and real weight
+//     N_LANE_EXTRA records      unused
+//
+//   VEHI, for each group:
+//     group record              int VEH_GROUP, N_GROUP_VEHICLE
+//     vehicle records   OFFSET    0  int VEH_CLASS
+//                                 4  int VEHICLE_CODE
+//                                 8  name of 20 characters, unused
+//                                28  real HA_W0, HA_K, HA_WMIN, HA_P
+//                                60  int N_VEHICLE_LOADS
+//                                64  100 real VEHICLE_LOADS
+//                               864  int N_VEHICLE_GEOM
+//                               868  100 real VEHICLE_GEOM
+//                              1668  400 real, unused; only where records have more than 417 words
+//
+//   PHSL:
+//     first record              int N_CLASS_DEF, MAX_DEF_ENTRIES
+//     N_CLASS_DEF key records   int group row, CLASS_DEF_NO, lane
+//     N_CLASS_DEF shapes        int unused, points, entries of a point; three unused; int entries of a plane
+//
+//   LVPF, for each definition, point and entry:
+//     record                    2 * MAX_DEF_ENTRIES + 1 real: a count, then pairs of load number and weight,
+//                               held in single precision
+//
+//   MLIF:
+//     first record              int MAX_AXLE_LIST, N_AXLE_LIST
+//     N_AXLE_LIST records       int unused, VEH_CLASS, lane, n; n int lane numbers, 0 the lane itself
+//
+//   NLAX:
+//     each record               int node, position
 //
 // All indices and counts are checked here; what is read can be used without a further look.
 #pragma once

@@ -4,10 +4,10 @@
 // a run of N_UNIT_LOAD records, one for each unit load in order. No member changes the sign or the unit of a
 // component.
 //
-//   DISP, LDSP   N_DOF float32                                   addressed by node, or place among the local
-//   axes REAC, LRAC   float32 number of the node, N_DOF float32       searched for the node, runs in any
-//   order SIMB         12 float32                                      addressed by number ELNK, NLNK   three
-//   words unused, 12 float32                  addressed by number
+//   DISP, LDSP   N_DOF float32                       addressed by node, or place among the local axes
+//   REAC, LRAC   float32 node number, N_DOF float32  searched for the node, runs in any order
+//   SIMB         12 float32                          addressed by number
+//   ELNK, NLNK   three words unused, 12 float32      addressed by number
 #pragma once
 
 #include <cstdint>

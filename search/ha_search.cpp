@@ -89,21 +89,25 @@ T_HA_RESULT search_lane(const T_LINE& line, const T_HA_CURVE& curve, real kel_lo
   return result;
 }
 
-template <LAYOUT L>
-T_HA_RESULT search_zone(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
-                        real vehicle_length, T_RANGE_WORK& work, real short_range = 0) {
-  CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
-  return best_prefixes(work, curve, vehicle_length, short_range);
-}
-
-template <LAYOUT L>
-T_HA_PAIR search_pair(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
-                      real vehicle_length, T_RANGE_WORK& work_a, T_RANGE_WORK& work_b) {
-  return {search_zone<L>(a, curve, zone, vehicle_length, work_a, L::SHORT_RANGE),
-          search_zone<L>(b, curve, zone, vehicle_length, work_b, L::SHORT_RANGE)};
-}
-
 }  // namespace
+
+template <LAYOUT L>
+T_HA_RESULT HA_SEARCH_ZONE_OF(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
+                              real vehicle_length, T_RANGE_WORK& work) {
+  CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
+  return best_prefixes(work, curve, vehicle_length, 0);
+}
+
+template <LAYOUT L>
+T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
+                                 const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
+                                 T_RANGE_WORK& work_b) {
+  const auto search_set = [&](const T_LINE& line, T_RANGE_WORK& work) {
+    CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
+    return best_prefixes(work, curve, vehicle_length, L::SHORT_RANGE);
+  };
+  return {search_set(a, work_a), search_set(b, work_b)};
+}
 
 T_HA_RESULT HA_SEARCH_LANE(const T_LINE& line, const T_HA_CURVE& curve, real kel_load, T_RANGE_WORK& work) {
   return search_lane<SIMPLE_LAYOUT>(line, curve, kel_load, work);
@@ -116,24 +120,35 @@ T_HA_RESULT HA_SEARCH_LANE_JUMP(const T_LINE& line, const T_HA_CURVE& curve, rea
 
 T_HA_RESULT HA_SEARCH_ZONE(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
                            real vehicle_length, T_RANGE_WORK& work) {
-  return search_zone<SIMPLE_LAYOUT>(line, curve, zone, vehicle_length, work);
+  return HA_SEARCH_ZONE_OF<SIMPLE_LAYOUT>(line, curve, zone, vehicle_length, work);
 }
 
 T_HA_RESULT HA_SEARCH_ZONE_JUMP(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
                                 real vehicle_length, T_RANGE_WORK& work) {
-  return search_zone<JUMP_LAYOUT>(line, curve, zone, vehicle_length, work);
+  return HA_SEARCH_ZONE_OF<JUMP_LAYOUT>(line, curve, zone, vehicle_length, work);
 }
 
 T_HA_PAIR HA_SEARCH_ZONE_PAIR(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
                               const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
                               T_RANGE_WORK& work_b) {
-  return search_pair<SIMPLE_LAYOUT>(a, b, curve, zone, vehicle_length, work_a, work_b);
+  return HA_SEARCH_ZONE_PAIR_OF<SIMPLE_LAYOUT>(a, b, curve, zone, vehicle_length, work_a, work_b);
 }
 
 T_HA_PAIR HA_SEARCH_ZONE_PAIR_JUMP(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
                                    const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
                                    T_RANGE_WORK& work_b) {
-  return search_pair<JUMP_LAYOUT>(a, b, curve, zone, vehicle_length, work_a, work_b);
+  return HA_SEARCH_ZONE_PAIR_OF<JUMP_LAYOUT>(a, b, curve, zone, vehicle_length, work_a, work_b);
 }
+
+template T_HA_RESULT HA_SEARCH_ZONE_OF<SIMPLE_LAYOUT>(const T_LINE&, const T_HA_CURVE&, const T_ZONE_PLACE&,
+                                                      real, T_RANGE_WORK&);
+template T_HA_RESULT HA_SEARCH_ZONE_OF<JUMP_LAYOUT>(const T_LINE&, const T_HA_CURVE&, const T_ZONE_PLACE&,
+                                                    real, T_RANGE_WORK&);
+template T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF<SIMPLE_LAYOUT>(const T_LINE&, const T_LINE&, const T_HA_CURVE&,
+                                                         const T_ZONE_PLACE&, real, T_RANGE_WORK&,
+                                                         T_RANGE_WORK&);
+template T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF<JUMP_LAYOUT>(const T_LINE&, const T_LINE&, const T_HA_CURVE&,
+                                                       const T_ZONE_PLACE&, real, T_RANGE_WORK&,
+                                                       T_RANGE_WORK&);
 
 }  // namespace search

@@ -30,6 +30,9 @@ T_HA_RESULT HA_SEARCH_LANE_JUMP(const T_LINE& line, const T_HA_CURVE& curve, rea
                                 T_RANGE_WORK& work);
 
 /// The rest of a lane beside an HB: no KEL, and the vehicle's length counts as loaded length from the start.
+template <LAYOUT L>
+T_HA_RESULT HA_SEARCH_ZONE_OF(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
+                              real vehicle_length, T_RANGE_WORK& work);
 T_HA_RESULT HA_SEARCH_ZONE(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
                            real vehicle_length, T_RANGE_WORK& work);
 T_HA_RESULT HA_SEARCH_ZONE_JUMP(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
@@ -41,6 +44,10 @@ struct T_HA_PAIR {
   T_HA_RESULT A;
   T_HA_RESULT B;
 };
+template <LAYOUT L>
+T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
+                                 const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
+                                 T_RANGE_WORK& work_b);
 T_HA_PAIR HA_SEARCH_ZONE_PAIR(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
                               const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
                               T_RANGE_WORK& work_b);

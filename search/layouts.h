@@ -39,6 +39,8 @@ struct SIMPLE_LAYOUT {
   static constexpr real SHORT_RANGE = 0.0F;  // in the pair search, ranges up to this length have the mean 0
 
   /// What an axle that stands exactly on point k counts.
+  static constexpr std::int32_t SUM_CODE_FACTOR =
+      1000;  // HB_CODE with full HA UDL on both parents: lane * this + plane
   static T_ORDINATE AT_POINT(const T_LINE& line, std::int32_t k) noexcept {
     return {line.BEFORE(k), line.BEFORE(k)};
   }
@@ -50,6 +52,7 @@ struct JUMP_LAYOUT {
   static constexpr bool SKIPS_ZERO_LENGTH = false;
   static constexpr bool CLOSES_AT_JUMPS = true;
   static constexpr real SHORT_RANGE = 1e-5F;
+  static constexpr std::int32_t SUM_CODE_FACTOR = 100;
 
   static T_ORDINATE AT_POINT(const T_LINE& line, std::int32_t k) noexcept {
     T_ORDINATE at{line.BEFORE(k), line.BEFORE(k)};
@@ -71,6 +74,7 @@ concept LAYOUT = requires(const T_LINE& line) {
   { L::SKIPS_ZERO_LENGTH } -> std::convertible_to<bool>;
   { L::CLOSES_AT_JUMPS } -> std::convertible_to<bool>;
   { L::SHORT_RANGE } -> std::convertible_to<real>;
+  { L::SUM_CODE_FACTOR } -> std::convertible_to<std::int32_t>;
   { L::AT_POINT(line, 1) } -> std::same_as<T_ORDINATE>;
 };
 

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "search/range_cutter.h"
+
 namespace search {
 
 void T_RANGE_LIST::RESERVE(std::int32_t n) {
@@ -17,155 +19,107 @@ void T_RANGE_LIST::RESERVE(std::int32_t n) {
 
 namespace {
 
-/// The walk along a line: four accumulators, and the lists that ranges join when they close.
-class RANGE_CUTTER {
+/// The lists that ranges join when they close.
+class RANGE_SINK {
  public:
-  RANGE_CUTTER(T_RANGE_WORK& work, std::int32_t n)
-      : positive_list_(work.SIDES[0]), negative_list_(work.SIDES[1]) {
-    positive_list_.RESERVE(n);
-    negative_list_.RESERVE(n);
-    positive_list_.COUNT = 0;
-    negative_list_.COUNT = 0;
-  }
-
-  /// One stretch of length dx that runs from ordinate a to ordinate b.
-  void SEGMENT(real dx, real a, real b) {
-    if (a >= 0 && b > 0) {
-      positive_.length += dx;
-      positive_.area += (a + b) * dx * 0.5F;
-    } else if (a <= 0 && b < 0) {
-      negative_.length += dx;
-      negative_.area += (a + b) * dx * 0.5F;
-    } else if (a > 0 && b <= 0) {
-      cross(positive_, negative_, dx, a, b);
-      close(positive_, positive_list_);
-    } else if (a < 0 && b >= 0) {
-      cross(negative_, positive_, dx, a, b);
-      close(negative_, negative_list_);
+  RANGE_SINK(T_RANGE_WORK& work, std::int32_t n) : work_(work) {
+    for (T_RANGE_LIST& list : work_.SIDES) {
+      list.RESERVE(n);
+      list.COUNT = 0;
     }
   }
-
-  /// The segments from point i on, as long as their ends have the sign of the side beyond 0; the line has one
-  /// column. Returns the point at which the next segment begins.
-  template <LAYOUT L, SIDE SIGN>
-  std::int32_t RUN(const T_LINE& line, std::int32_t i) {
-    OPEN_RANGE range = SIGN == MAX_SIDE ? positive_ : negative_;
-    const auto y = line.BEFORE;
-    real a = y(i);
-    real x = line.LANE_X(i);
-    if (SIGN == MAX_SIDE ? a >= 0 : a <= 0) {
-      for (; i < line.n; ++i) {
-        const real b = y(i + 1);
-        if (!(SIGN == MAX_SIDE ? b > 0 : b < 0)) break;
-        const real next_x = line.LANE_X(i + 1);
-        const real dx = next_x - x;
-        if (L::SKIPS_ZERO_LENGTH && dx == 0) break;
-        range.length += dx;
-        range.area += (a + b) * dx * 0.5F;
-        a = b;
-        x = next_x;
-      }
-    }
-    (SIGN == MAX_SIDE ? positive_ : negative_) = range;
-    return i;
-  }
-
-  /// A jump from the segment's end b to the next start c.
-  void JUMP(real a, real b, real c) {
-    if (a >= 0 && b > 0) {
-      if (c < 0) close(positive_, positive_list_);
-    } else if (a <= 0 && b < 0) {
-      if (c > 0) close(negative_, negative_list_);
-    }
-  }
-
-  /// The end of the lane closes what has an area.
-  void END() {
-    if (positive_.area > 0) close(positive_, positive_list_);
-    if (negative_.area < 0) close(negative_, negative_list_);
+  void operator()(SIDE side, const T_OPEN_RANGE& range) const {
+    T_RANGE_LIST& list = work_.SIDES[side];
+    const auto at = static_cast<std::size_t>(list.COUNT++);
+    list.RANGE_AREA[at] = range.AREA;
+    list.RANGE_LENGTH[at] = range.LENGTH;
   }
 
  private:
-  struct OPEN_RANGE {
-    real area = 0;
-    real length = 0;
-  };
-
-  static void cross(OPEN_RANGE& ending, OPEN_RANGE& beginning, real dx, real a, real b) {
-    const real x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
-    ending.length += x0;
-    ending.area += a * 0.5F * x0;
-    beginning.length += dx - x0;
-    beginning.area += b * 0.5F * (dx - x0);
-  }
-
-  static void close(OPEN_RANGE& open, T_RANGE_LIST& list) {
-    const auto at = static_cast<std::size_t>(list.COUNT++);
-    list.RANGE_AREA[at] = open.area;
-    list.RANGE_LENGTH[at] = open.length;
-    open = {};
-  }
-
-  T_RANGE_LIST& positive_list_;
-  T_RANGE_LIST& negative_list_;
-  OPEN_RANGE positive_;
-  OPEN_RANGE negative_;
+  T_RANGE_WORK& work_;
 };
+
+/// The segments from point i on, as long as their ends have the sign of the side beyond 0; the line has one
+/// column. Returns the point at which the next segment begins.
+template <LAYOUT L, SIDE SIGN>
+std::int32_t add_run(const T_LINE& line, std::int32_t i, std::int32_t last, T_OPEN_RANGE& open) {
+  T_OPEN_RANGE range = open;
+  const auto y = line.BEFORE;
+  real a = y(i);
+  real x = line.LANE_X(i);
+  if (SIGN == MAX_SIDE ? a >= 0 : a <= 0) {
+    for (; i <= last; ++i) {
+      const real b = y(i + 1);
+      if (!(SIGN == MAX_SIDE ? b > 0 : b < 0)) break;
+      const real next_x = line.LANE_X(i + 1);
+      const real dx = next_x - x;
+      if (L::SKIPS_ZERO_LENGTH && dx == 0) break;
+      range.LENGTH += dx;
+      range.AREA += (a + b) * dx * 0.5F;
+      a = b;
+      x = next_x;
+    }
+  }
+  open = range;
+  return i;
+}
+
+/// A jump across zero at the end of a segment from a to b, behind which the line goes on at c.
+template <class CLOSED>
+void close_at_jump(real a, real b, real c, T_OPEN_RANGES& open, CLOSED closed) {
+  if (a >= 0 && b > 0) {
+    if (c < 0) open.CLOSE(MAX_SIDE, closed);
+  } else if (a <= 0 && b < 0) {
+    if (c > 0) open.CLOSE(MIN_SIDE, closed);
+  }
+}
+
+}  // namespace
+
+namespace {
+
+/// The whole segments first to last, without a rule for jumps.
+template <LAYOUT L, class CLOSED>
+void add_segments(const T_LINE& line, std::int32_t first, std::int32_t last, T_OPEN_RANGES& open,
+                  CLOSED closed) {
+  for (std::int32_t i = first; i <= last; ++i) {
+    // Most segments only lengthen the range of their sign; that much is done at once.
+    if (!line.TWO_COLUMNS) {
+      i = line.AFTER(i) < 0 ? add_run<L, MIN_SIDE>(line, i, last, open.NEGATIVE)
+                            : add_run<L, MAX_SIDE>(line, i, last, open.POSITIVE);
+      if (i > last) return;
+    }
+    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
+    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
+    open.SEGMENT(dx, line.AFTER(i), line.BEFORE(i + 1), closed);
+  }
+}
 
 }  // namespace
 
 template <LAYOUT L>
 void CUT_RANGES(const T_LINE& line, T_RANGE_WORK& work) {
-  RANGE_CUTTER cutter(work, line.n);
-  const bool jumps = L::CLOSES_AT_JUMPS && line.TWO_COLUMNS;
-  for (std::int32_t i = 1; i < line.n; ++i) {
-    // Most segments only lengthen the range of their sign; that much is done at once.
-    if (!jumps) {
-      i = line.AFTER(i) < 0 ? cutter.RUN<L, MIN_SIDE>(line, i) : cutter.RUN<L, MAX_SIDE>(line, i);
-      if (i == line.n) break;
+  const RANGE_SINK closed(work, line.n);
+  T_OPEN_RANGES open;
+  if (L::CLOSES_AT_JUMPS && line.TWO_COLUMNS) {
+    for (std::int32_t i = 1; i < line.n; ++i) {
+      add_segments<L>(line, i, i, open, closed);
+      close_at_jump(line.AFTER(i), line.BEFORE(i + 1), line.AFTER(i + 1), open, closed);
     }
-    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
-    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
-    const real a = line.AFTER(i);
-    const real b = line.BEFORE(i + 1);
-    cutter.SEGMENT(dx, a, b);
-    if (jumps) cutter.JUMP(a, b, line.AFTER(i + 1));
+  } else {
+    add_segments<L>(line, 1, line.n - 1, open, closed);
   }
-  cutter.END();
+  open.END(closed);
 }
 
 template <LAYOUT L>
 void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANGE_WORK& work) {
-  RANGE_CUTTER cutter(work, line.n);
-  const bool near_inside = zone.NEAR_FRACTION != 0;
-  for (std::int32_t i = 1; i < line.n; ++i) {
-    const bool near_ends_here = near_inside && i == zone.NEAR_INDEX - 1;
-    if (i < zone.FAR_INDEX && i > zone.NEAR_INDEX) continue;
-    const bool skipped_as_near = i == zone.NEAR_INDEX && i != zone.FAR_INDEX &&
-                                 !(near_inside && zone.FAR_INDEX == zone.NEAR_INDEX - 1);
-    if (skipped_as_near) continue;
-
-    const real start = line.LANE_X(i);
-    const real end = line.LANE_X(i + 1);
-    const real dx = end - start;
-    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
-    const real a = line.AFTER(i);
-    const real b = line.BEFORE(i + 1);
-
-    // Rounding of the zone's ends puts NEAR_END inside a segment at every eighth point or so: what lies in
-    // front of it counts, and no more.
-    if (near_ends_here) {
-      const real near_end = start + dx * zone.NEAR_FRACTION;
-      cutter.SEGMENT(near_end - start, a, (1 - zone.NEAR_FRACTION) * a + zone.NEAR_FRACTION * b);
-    }
-    if (i == zone.FAR_INDEX) {
-      const real far_end = start + dx * zone.FAR_FRACTION;
-      cutter.SEGMENT(end - far_end, (1 - zone.FAR_FRACTION) * a + zone.FAR_FRACTION * b, b);
-    } else if (!near_ends_here) {
-      cutter.SEGMENT(dx, a, b);
-    }
-  }
-  cutter.END();
+  const RANGE_SINK closed(work, line.n);
+  T_OPEN_RANGES open;
+  add_segments<L>(line, 1, std::min(LAST_SEGMENT_BEFORE(zone), line.n - 1), open, closed);
+  ADD_CUT_SEGMENTS<L>(line, zone, open, closed);
+  add_segments<L>(line, FIRST_SEGMENT_BEHIND(zone), line.n - 1, open, closed);
+  open.END(closed);
 }
 
 void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude) {
@@ -220,25 +174,19 @@ T_SPAN BRACKET_POINT(real position, TABLE<const real, POINT> LANE_X, std::int32_
   return {lo, hi};
 }
 
-template <LAYOUT L>
-T_ORDINATE ORDINATE_AT(real position, const T_LINE& line) {
+T_POSITION FIND_POSITION(real position, TABLE<const real, POINT> LANE_X, std::int32_t n) {
   // Written so that a position that isn't a number lies off the lane.
-  if (line.n < 1 || !(position >= line.LANE_X(1) && position <= line.LANE_X(line.n))) return {};
-  const T_SPAN span = BRACKET_POINT(position, line.LANE_X, line.n);
-  const std::int32_t last = std::min(span.HI, line.n);
+  if (n < 1 || !(position >= LANE_X(1) && position <= LANE_X(n))) return {};
+  const T_SPAN span = BRACKET_POINT(position, LANE_X, n);
+  const std::int32_t last = std::min(span.HI, n);
 
   // A point at the position goes before any segment that ends there, so that an axle on a jump counts its
   // worse side.
   for (std::int32_t k = span.LO; k <= last; ++k) {
-    if (position == line.LANE_X(k)) return L::AT_POINT(line, k);
+    if (position == LANE_X(k)) return {k, 0, true};
   }
-  for (std::int32_t k = span.LO; k <= last && k < line.n; ++k) {
-    if (line.LANE_X(k) <= position && position <= line.LANE_X(k + 1)) {
-      const real length = line.LANE_X(k + 1) - line.LANE_X(k);
-      const real f = length > 0 ? (position - line.LANE_X(k)) / length : 0.0F;
-      const real ordinate = (1 - f) * line.AFTER(k) + f * line.BEFORE(k + 1);
-      return {ordinate, ordinate};
-    }
+  for (std::int32_t k = span.LO; k <= last && k < n; ++k) {
+    if (LANE_X(k) <= position && position <= LANE_X(k + 1)) return POSITION_IN_SEGMENT(position, LANE_X, k);
   }
   return {};
 }
@@ -373,7 +321,5 @@ template void CUT_RANGES<SIMPLE_LAYOUT>(const T_LINE&, T_RANGE_WORK&);
 template void CUT_RANGES<JUMP_LAYOUT>(const T_LINE&, T_RANGE_WORK&);
 template void CUT_RANGES_BESIDE_ZONE<SIMPLE_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, T_RANGE_WORK&);
 template void CUT_RANGES_BESIDE_ZONE<JUMP_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, T_RANGE_WORK&);
-template T_ORDINATE ORDINATE_AT<SIMPLE_LAYOUT>(real, const T_LINE&);
-template T_ORDINATE ORDINATE_AT<JUMP_LAYOUT>(real, const T_LINE&);
 
 }  // namespace search

@@ -86,10 +86,36 @@ struct T_SPAN {
 };
 [[nodiscard]] T_SPAN BRACKET_POINT(real position, TABLE<const real, POINT> LANE_X, std::int32_t n);
 
+/// A position among the influence points of a lane.
+struct T_POSITION {
+  std::int32_t POINT_INDEX = 0;  // the point, or the lower point of the segment; 0 off the lane
+  real FRACTION = 0;             // of the segment
+  bool ON_POINT = false;
+};
+[[nodiscard]] T_POSITION FIND_POSITION(real position, TABLE<const real, POINT> LANE_X, std::int32_t n);
+
+/// A position known to lie within segment k.
+[[nodiscard]] inline T_POSITION POSITION_IN_SEGMENT(real position, TABLE<const real, POINT> LANE_X,
+                                                    std::int32_t k) {
+  const real length = LANE_X(k + 1) - LANE_X(k);
+  return {k, length > 0 ? (position - LANE_X(k)) / length : 0.0F, false};
+}
+
 /// The ordinate at a position: 0 off the lane, the point's own value on a point, interpolated between two. In
 /// SIMPLE_LAYOUT upper and lower value are the same.
 template <LAYOUT L>
-[[nodiscard]] T_ORDINATE ORDINATE_AT(real position, const T_LINE& line);
+[[nodiscard]] T_ORDINATE ORDINATE_OF(const T_POSITION& position, const T_LINE& line) {
+  const std::int32_t k = position.POINT_INDEX;
+  if (k == 0) return {};
+  if (position.ON_POINT) return L::AT_POINT(line, k);
+  const real f = position.FRACTION;
+  const real ordinate = (1 - f) * line.AFTER(k) + f * line.BEFORE(k + 1);
+  return {ordinate, ordinate};
+}
+template <LAYOUT L>
+[[nodiscard]] T_ORDINATE ORDINATE_AT(real position, const T_LINE& line) {
+  return ORDINATE_OF<L>(FIND_POSITION(position, line.LANE_X, line.n), line);
+}
 
 /// Places the ends of a zone. The first point for which either test holds decides, so that of a repeated
 /// position the first is taken. A line of fewer than two points leaves all at 0.

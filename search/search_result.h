@@ -16,6 +16,7 @@ struct T_HB_REC {
   std::int32_t HB_TYPE = 0;       // 1 to 5, 0 no HB
   std::int32_t HB_POSITION = 0;   // influence point, 0 no HB
   std::int32_t HB_CODE = 0;       // plane of a straddling HB and portion of the HA UDL
+  std::int32_t NUMBERED = 0;      // ranges that the HA search beside the HB numbered on this side
 };
 
 /// One side: the value, which begins at 0, and how it comes about.

@@ -4,6 +4,7 @@
 // without points or with more ranges than the lists hold, ends of a zone on, beside and between the points.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -11,6 +12,8 @@
 #include <vector>
 
 #include "search/ha_search.h"
+#include "search/hb_placing.h"
+#include "tests/search/plain_hb.h"
 #include "tests/search/plain_search.h"
 
 /// The library's view of a line.
@@ -28,6 +31,11 @@ inline plain::LINE SIMPLE_LINE(std::vector<float> x, std::vector<float> y) {
 inline plain::LINE JUMP_LINE(std::vector<float> x, std::vector<float> before, std::vector<float> after) {
   return {true, true, {std::move(x)}, {std::move(before)}, {std::move(after)}};
 }
+
+/// The library's answer to a task, on the first `planes` of each set. `behind` rows stand behind the lane's own,
+/// as where another lane of the model is longer.
+search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
+                                  int behind, search::T_HB_WORK& work);
 
 /// Small portable random choices; the standard distributions differ between platforms.
 struct RANDOM {
@@ -60,3 +68,12 @@ struct RANDOM_CASE {
 };
 
 RANDOM_CASE MAKE_RANDOM_CASE(std::uint64_t seed);
+
+/// A task of the HB searches in both layouts, on a lane that an HB may fit on, with 3 to 5 planes a set.
+struct RANDOM_HB_CASE {
+  std::string KIND;
+  plain::HB_TASK SIMPLE;
+  plain::HB_TASK JUMP;
+};
+
+RANDOM_HB_CASE MAKE_RANDOM_HB_CASE(std::uint64_t seed);

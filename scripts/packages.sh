@@ -1,0 +1,28 @@
+# shellcheck shell=bash
+# The Debian packages of this project, and the routine that installs them. Sourced by the other scripts.
+
+BUILD_PACKAGES=(cmake g++ ninja-build libcli11-dev libeigen3-dev libfmt-dev nlohmann-json3-dev)
+TEST_PACKAGES=(binutils libbenchmark-dev libgtest-dev pkgconf)
+CHECK_PACKAGES=(clang-format clang-tidy)
+
+# install_missing PACKAGE...: installs those that aren't there, and only those; silent where none is missing.
+install_missing() {
+  local package missing=() as_root=()
+  for package in "$@"; do
+    if [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" != installed ]]; then
+      missing+=("$package")
+    fi
+  done
+  if ((${#missing[@]} == 0)); then return 0; fi
+
+  if ((EUID != 0)); then
+    if ! command -v sudo >/dev/null; then
+      echo "To be installed first, as root: apt-get install ${missing[*]}" >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "Installing ${missing[*]}"
+  "${as_root[@]}" apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+}

@@ -1,0 +1,123 @@
+// Rigorous bounds on what the HA search beside a zone can give, at a cost that hardly grows with the points
+// of a line.
+//
+// An HB is placed thousands of times on one line, and nearly all placements fall far short of the best. For
+// these no exact value is needed, if a bound, rounding included, tells that they can't win. The bounds rest
+// on three facts:
+//
+//   - Ranges that close before the zone, and ranges that open after the first closing behind it, have the
+//   same bits for
+//     every placement, for accumulators begin at 0 again where a range closes. They are cut once a line.
+//   - So on each side just one range is joined across the zone. What it adds behind the zone is a difference
+//   of two
+//     prefix sums in 64-bit reals, and the single precision sum differs from it by at most a rounding a term.
+//   - The intensity beyond HA_L0 is a convex falling curve of the loaded length: chords of a table bound it.
+//
+// Lines for which this can't be relied on (no ascending or finite positions, very many ranges, values at the
+// ends of the range of single precision, equal means of unlike ranges) are told apart by PREPARE; whoever
+// asks then takes the plain road. Bounds that can't be had for one placement are infinite.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "search/range_cutter.h"
+#include "search/ranges.h"
+
+namespace search {
+
+/// An interval that holds an exact value.
+struct T_BOUNDS {
+  double LOW = 0;
+  double HIGH = 0;
+};
+
+/// Bounds of the HA intensity: a table of the power law over the loaded length, with 256 chords an octave.
+/// Kept between searches, for the vehicle seldom changes.
+class T_INTENSITY_BOUNDS {
+ public:
+  /// Lengths from `shortest` to `longest` will be asked for. False where the curve isn't one that falls.
+  [[nodiscard]] bool PREPARE(const T_HA_CURVE& curve, double shortest, double longest);
+
+  /// The intensity of a length that is known within a relative error.
+  [[nodiscard]] T_BOUNDS OF(double length, double relative_error) const noexcept;
+  /// An upper bound for all lengths from `length` on.
+  [[nodiscard]] double HIGHEST_FROM(double length) const noexcept;
+
+ private:
+  [[nodiscard]] T_BOUNDS power_law(double length) const noexcept;
+
+  T_HA_CURVE curve_;
+  std::uint32_t first_cell_ = 0;
+  std::uint32_t cells_ = 0;
+  double below_chord_ = 0;  // how far the curve may lie below a chord, relative
+  std::vector<double> edges_;
+};
+
+/// Where a zone cuts the line, and the ranges that the cut segments themselves leave behind. The same for
+/// both sides.
+struct T_ZONE_CUT {
+  bool KNOWN = false;
+  std::int32_t BEFORE = 0;  // whole segments in front of the zone
+  std::int32_t BEHIND = 0;  // the whole segments behind it begin after this one
+  T_OPEN_RANGES OPEN;       // what is open behind the zone
+  struct T_CLOSED {
+    SIDE RANGE_SIDE = MAX_SIDE;
+    T_OPEN_RANGE RANGE;
+  };
+  std::int32_t N_CLOSED = 0;
+  std::array<T_CLOSED, 2> CLOSED;  // closed by the cut segments
+};
+
+/// The bounds for one line.
+class T_HA_BOUNDS {
+ public:
+  /// Walks the line once. `intensity` must outlive this and be prepared for the line's curve. `short_range`
+  /// as in the search whose values are bounded.
+  template <LAYOUT L>
+  [[nodiscard]] bool PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range);
+
+  /// An upper bound of the magnitude of a side's effect, from areas alone.
+  [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone,
+                                   double highest_intensity) const noexcept;
+  template <LAYOUT L>
+  [[nodiscard]] T_ZONE_CUT CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept;
+  /// Bounds of the magnitude of a side's effect.
+  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length) const noexcept;
+
+ private:
+  /// One side behind a number of whole segments.
+  struct T_STATE {
+    T_OPEN_RANGE OPEN;
+    std::int32_t CLOSED = 0;      // ranges closed so far
+    std::int32_t NEXT_CLOSE = 0;  // segment that closes the open one; 0: none before the lane's end
+    double AREA_SUM = 0;          // magnitudes of all that was added so far
+    double LENGTH_SUM = 0;
+  };
+  struct T_RANKED {
+    double AREA = 0;  // magnitude
+    double LENGTH = 0;
+    double MEAN = 0;
+    double MEAN_ERROR = 0;
+    std::int32_t NUMBER = 0;  // of the whole line's ranges, from 1
+  };
+  [[nodiscard]] T_RANKED ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept;
+  [[nodiscard]] bool rank(SIDE side) noexcept;
+
+  std::array<std::vector<T_STATE>, N_SIDES> states_;  // by segments passed
+  std::array<std::vector<T_RANKED>, N_SIDES> ranges_;
+  struct T_SLIVERS {
+    double AREA = 0;
+    double LENGTH = 0;
+  };
+  std::array<T_SLIVERS, N_SIDES> slivers_;  // all that rounding took away from ranges
+  const T_INTENSITY_BOUNDS* intensity_ = nullptr;
+  std::int32_t segments_ = 0;
+  real short_range_ = 0;
+  double sum_error_ = 0;  // of a difference of prefix sums, relative to the whole sum
+  std::array<double, N_SIDES> quick_offset_{};
+  double quick_factor_ = 1;
+};
+
+}  // namespace search

@@ -1,0 +1,106 @@
+// The rules by which one stretch of an influence line joins the open range of its sign or ends it. Inside the
+// folder: the cut of a whole line, the cut beside a zone and the bounds of the latter all walk by these
+// rules.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "common/real.h"
+#include "search/ranges.h"
+
+namespace search {
+
+struct T_OPEN_RANGE {
+  real AREA = 0;    // signed
+  real LENGTH = 0;  // never negative but for rounding
+};
+
+/// The open range of either sign. CLOSED is called with the side and the range wherever one ends; the
+/// accumulators of that sign begin at 0 again.
+class T_OPEN_RANGES {
+ public:
+  /// One stretch of length dx that runs straight from ordinate a to ordinate b.
+  template <class CLOSED>
+  void SEGMENT(real dx, real a, real b, CLOSED closed) {
+    if (a >= 0 && b > 0) {
+      POSITIVE.LENGTH += dx;
+      POSITIVE.AREA += (a + b) * dx * 0.5F;
+    } else if (a <= 0 && b < 0) {
+      NEGATIVE.LENGTH += dx;
+      NEGATIVE.AREA += (a + b) * dx * 0.5F;
+    } else if (a > 0 && b <= 0) {
+      cross(POSITIVE, NEGATIVE, dx, a, b);
+      CLOSE(MAX_SIDE, closed);
+    } else if (a < 0 && b >= 0) {
+      cross(NEGATIVE, POSITIVE, dx, a, b);
+      CLOSE(MIN_SIDE, closed);
+    }
+  }
+
+  /// The end of the lane closes what has an area.
+  template <class CLOSED>
+  void END(CLOSED closed) {
+    if (POSITIVE.AREA > 0) CLOSE(MAX_SIDE, closed);
+    if (NEGATIVE.AREA < 0) CLOSE(MIN_SIDE, closed);
+  }
+
+  template <class CLOSED>
+  void CLOSE(SIDE side, CLOSED closed) {
+    T_OPEN_RANGE& open = side == MAX_SIDE ? POSITIVE : NEGATIVE;
+    closed(side, open);
+    open = {};
+  }
+
+  T_OPEN_RANGE POSITIVE;
+  T_OPEN_RANGE NEGATIVE;
+
+ private:
+  static void cross(T_OPEN_RANGE& ending, T_OPEN_RANGE& beginning, real dx, real a, real b) {
+    const real x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
+    ending.LENGTH += x0;
+    ending.AREA += a * 0.5F * x0;
+    beginning.LENGTH += dx - x0;
+    beginning.AREA += b * 0.5F * (dx - x0);
+  }
+};
+
+/// The last whole segment in front of a zone, and the first one behind it. Where both ends lie in one segment, the segment
+/// behind it counts whole too, unless the near end is taken to stand on that segment's end.
+[[nodiscard]] inline std::int32_t LAST_SEGMENT_BEFORE(const T_ZONE_PLACE& zone) {
+  const std::int32_t near_segment = zone.NEAR_FRACTION != 0 ? zone.NEAR_INDEX - 1 : zone.NEAR_INDEX;
+  return std::min(near_segment, zone.FAR_INDEX) - 1;
+}
+[[nodiscard]] inline std::int32_t FIRST_SEGMENT_BEHIND(const T_ZONE_PLACE& zone) {
+  return (zone.NEAR_FRACTION != 0 ? zone.FAR_INDEX : std::max(zone.FAR_INDEX, zone.NEAR_INDEX)) + 1;
+}
+
+/// What the two segments that a zone cuts leave outside of it; the ends of both may lie in one segment. Each piece is cut
+/// from the whole segment's values.
+template <LAYOUT L, class CLOSED>
+void ADD_CUT_SEGMENTS(const T_LINE& line, const T_ZONE_PLACE& zone, T_OPEN_RANGES& open, CLOSED closed) {
+  // The part of segment i in front of the fraction, or behind it.
+  const auto add_part = [&](std::int32_t i, real fraction, bool in_front) {
+    if (i < 1 || i >= line.n) return;
+    const real start = line.LANE_X(i);
+    const real end = line.LANE_X(i + 1);
+    const real dx = end - start;
+    if (L::SKIPS_ZERO_LENGTH && dx == 0) return;
+    const real a = line.AFTER(i);
+    const real b = line.BEFORE(i + 1);
+    const real at = start + dx * fraction;
+    const real ordinate = (1 - fraction) * a + fraction * b;
+    if (in_front) {
+      open.SEGMENT(at - start, a, ordinate, closed);
+    } else {
+      open.SEGMENT(end - at, ordinate, b, closed);
+    }
+  };
+  // Rounding of the zone's ends puts NEAR_END inside a segment at every eighth point or so: what lies in front of it
+  // counts, and no more.
+  if (zone.NEAR_FRACTION != 0) add_part(zone.NEAR_INDEX - 1, zone.NEAR_FRACTION, true);
+  add_part(zone.FAR_INDEX, zone.FAR_FRACTION, false);
+}
+
+}  // namespace search

@@ -1,0 +1,553 @@
+// Failing calls and damaged files: a call answers or fails with a reason, and one that fails leaves
+// everything but MODE_CODE as it was. No file crashes, hangs or takes memory that its records don't hold.
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <map>
+
+#include "modelkit/example_span.h"
+#include "modelkit/model_writer.h"
+#include "tests/host/host_call.h"
+
+#if __has_include(<sys/resource.h>) && !defined(__SANITIZE_ADDRESS__)
+#include <sys/resource.h>
+void limit_memory(rlim_t bytes) {
+  const rlimit limit{.rlim_cur = bytes, .rlim_max = RLIM_INFINITY};
+  setrlimit(RLIMIT_AS, &limit);
+}
+constexpr rlim_t NO_LIMIT = RLIM_INFINITY;
+#else
+void limit_memory(int) {}
+constexpr int NO_LIMIT = 0;
+#endif
+
+namespace {
+
+using std::string;
+using std::to_string;
+
+constexpr std::int32_t INT_TOP = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t INT_BOTTOM = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t LONG_TOP = std::numeric_limits<std::int64_t>::max();
+constexpr double INFINITE = std::numeric_limits<double>::infinity();
+constexpr int LANES = 3;
+
+struct QUESTION {
+  std::int32_t kind;
+  std::int32_t id;
+  const char* block;
+  std::int32_t items;
+};
+constexpr QUESTION SIMB{12, 1, "SIMB", 12};
+constexpr QUESTION LDSP{16, 4, "LDSP", 6};
+constexpr QUESTION QUESTIONS[] = {SIMB,
+                                  LDSP,
+                                  {1, 2, "DISP", 6},
+                                  {2, 5, "REAC", 6},
+                                  {6, 3, "LRAC", 6},
+                                  {13, 1, "ELNK", 12},
+                                  {14, 1, "NLNK", 12}};
+
+std::vector<modelkit::T_RESPONSE> responses(std::initializer_list<std::int32_t> ids) {
+  std::vector<modelkit::T_RESPONSE> list;
+  for (const std::int32_t id : ids) {
+    list.push_back({.id = id, .values = std::vector(12, std::vector<float>(6))});
+    for (std::size_t item = 0; item < 12; ++item)
+      for (std::size_t load = 0; load < 6; ++load)
+        list.back().values[item][load] =
+            std::sin(static_cast<float>(load + 2 * item) + static_cast<float>(id));
+  }
+  return list;
+}
+
+/// Two ordinary lanes of three points and a straddle lane of three planes, with every block that a file can
+/// have. Records of LNIF: lane 1 head 1, spread row 2, points 3 to 5, extra 6; lane 2 head 7, points 8 to 10;
+/// lane 3 head 11, parents 12, points 13 to 15.
+modelkit::T_MODEL tiny_model() {
+  modelkit::T_MODEL model{.unit_loads = 6, .lanes = std::vector<modelkit::T_LANE>(LANES)};
+  for (std::int32_t point = 1; point <= 3; ++point)
+    for (std::int32_t lane = 0; lane < LANES; ++lane)
+      model.lanes[static_cast<std::size_t>(lane)].points.push_back(
+          {.x = 9.0 * point, .entries = {{.a = {.load = point + lane, .weight = 1.0}}}});
+  model.lanes[0].spread_rows = {{{.load = 4, .weight = 0.5}, {.load = 5, .weight = 0.5}}};
+  model.lanes[0].points[1].entries[0].b = {.load = -1, .weight = 1.0};
+  model.lanes[0].extra_records = 1;
+  model.lanes[2].is_straddle = true;
+  model.lanes[2].left_parent = 1;
+  model.lanes[2].right_parent = 2;
+  model.lanes[2].entries_per_point = 3;
+  model.vehicle_groups = {{.group = 1, .vehicles = {modelkit::HA_1978_VEHICLE()}}};
+  model.moving_load_cases = {{.combinations = {{{1, 1.0}, {1, 0.5}, {0, 1.0}}}},
+                             {.combinations = {{{0, 0.0}, {2, 1.0}, {4, 1.0}}}}};
+  model.class_lanes = true;
+  model.class_definitions = {{.number = 7, .lane = 1, .links = {{{{1, 0.7}}}, {{{2, 0.7}}}, {{{3, 0.7}}}}}};
+  model.axle_lists = {{.vehicle_class = 1, .lane = 3, .lanes = {1, 0, 2, 3}}};
+  model.disp = responses({2});
+  model.reac = responses({12, 5});
+  model.lrac = responses({3});
+  model.ldisp = responses({8, 4});
+  model.simb = model.elnk = model.nlnk = responses({1});
+  return model;
+}
+
+host::ARGUMENTS ask(const string& base, const QUESTION& question, int lanes = LANES, std::int32_t mode = 0) {
+  return host::RUN(lanes, base, mode, question.kind, question.id, 3, 1);
+}
+
+host::ARGUMENTS nothing_written(int lanes = LANES) {
+  host::ARGUMENTS untouched(lanes);
+  untouched.MODE_CODE = -1;
+  return untouched;
+}
+
+/// The tiny model in two files: one that stays sound and one to be damaged.
+class damage : public testing::Test {
+ protected:
+  damage() {
+    modelkit::WRITE_MODEL(tiny_model(), sound_base_);
+    for (const QUESTION& question : QUESTIONS)
+      EXPECT_GT(sound_.insert_or_assign(question.kind, ask(sound_base_, question)).first->second.FINAL_MAX,
+                0.0);
+    WRITE({});
+  }
+  void WRITE(const modelkit::T_FILE_FORM& form) {
+    layout_ = modelkit::WRITE_MODEL(tiny_model(), base_, form);
+  }
+  [[nodiscard]] const host::ARGUMENTS& SOUND(const QUESTION& question) const {
+    return sound_.at(question.kind);
+  }
+
+  template <class T>
+  void PUT(std::int64_t offset, T value) const {
+    std::fstream file(layout_.path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(offset);
+    ASSERT_TRUE(file.write(reinterpret_cast<const char*>(&value), sizeof value).flush());
+  }
+  void PUT(const char* tag, std::int64_t record, std::int64_t word, auto value) const {
+    PUT(layout_.BLOCK(tag).OFFSET(record, word), value);
+  }
+  void REPAIR() const {
+    std::filesystem::copy_file(sound_base_ + ".ZA3", layout_.path,
+                               std::filesystem::copy_options::overwrite_existing);
+  }
+
+  /// The last call has failed with this text and written nothing, and the next one isn't affected.
+  void EXPECT_FAILED(const host::ARGUMENTS& got, const string& text, int lanes = LANES) const {
+    EXPECT_EQ(movload_last_failure(), text);
+    EXPECT_TRUE(host::SAME(nothing_written(lanes), got));
+    EXPECT_TRUE(host::SAME(SOUND(SIMB), ask(sound_base_, SIMB)));
+    EXPECT_STREQ(movload_last_failure(), "");
+  }
+  void EXPECT_FAILS(const string& text, const QUESTION& question = SIMB) const {
+    EXPECT_FAILED(ask(base_, question), layout_.path + ": " + text);
+  }
+  void EXPECT_FAILS_IN(const string& tag) const {
+    const host::ARGUMENTS got = ask(base_, SIMB);
+    const string text = movload_last_failure();
+    EXPECT_TRUE(text.starts_with(layout_.path + ": block " + tag + ": ") &&
+                text.find("memory") == string::npos)
+        << tag << ": " << text;
+    EXPECT_TRUE(host::SAME(nothing_written(), got));
+  }
+  /// For damage that may leave a readable file.
+  void EXPECT_ANSWER_OR_REASON() const {
+    static const host::ARGUMENTS UNTOUCHED = nothing_written();
+    const host::ARGUMENTS got = ask(base_, SIMB);
+    const string text = movload_last_failure();
+    const bool failed = got.MODE_CODE == -1;
+    ASSERT_EQ(text.substr(0, layout_.path.size()), failed ? layout_.path : "");
+    ASSERT_TRUE(failed ? host::SAME(UNTOUCHED, got) : testing::AssertionSuccess());
+    ASSERT_EQ(got.K_MXLOAD.LANE(LANES + 1), UNTOUCHED.K_MXLOAD.LANE(LANES + 1));
+  }
+
+  host::TEMPORARY_DIRECTORY directory_;
+  string base_ = directory_.BASE("damaged");
+  string sound_base_ = directory_.BASE("sound");
+  modelkit::T_FILE_LAYOUT layout_;
+  std::map<std::int32_t, host::ARGUMENTS> sound_;  // by kind
+};
+
+TEST_F(damage, a_request_that_no_model_can_answer_fails_and_says_why) {
+  const auto fails = [&](std::int32_t mode_code, const string& text) {
+    EXPECT_FAILED(ask(base_, SIMB, LANES, mode_code), text);
+    const host::LANE_COUNT count = host::NUM_LANE(base_, mode_code);
+    EXPECT_TRUE(count.MODE_CODE == -1 && count.NUM_LANE == host::UNTOUCHED);
+    EXPECT_EQ(movload_last_failure(), text);
+  };
+  for (const std::int32_t code : {5, 99, -1, INT_BOTTOM})
+    for (const std::int32_t store : {0, code == 5 ? 100 : 0})
+      fails(code + store, "analysis code " + to_string(code) + " is unknown (0 to 4 and 101 are known)");
+  fails(4, base_ + ".ZAX3: block MVIF: the file can't be opened");
+  std::filesystem::create_directory(base_ + ".XA3");
+  fails(2, base_ + ".XA3: block MVIF: the file can't be opened");
+  std::ofstream(base_ + ".WA3").close();
+  fails(3, base_ + ".WA3: block MVIF: the directory can't be read to its end");
+
+  const string bad_path = " characters, which no file name can be made of";
+  const host::ARGUMENTS got = ask("", SIMB);
+  EXPECT_FAILED(got, movload_last_failure());
+  const string long_base = base_ + string(1025 - base_.size(), 'x');
+  for (const std::int32_t length : {0, -1, INT_BOTTOM, 1025, 1021}) {
+    host::LANE_COUNT count;
+    _MOV_KRNL_BS_5400_NUM_LANE(long_base.data(), length, &count.MODE_CODE, &count.NUM_LANE);
+    EXPECT_EQ(count.MODE_CODE, -1);
+    EXPECT_TRUE(string(movload_last_failure()).ends_with("the path has " + to_string(length) + bad_path));
+  }
+  std::int32_t mode_code = 0;
+  _MOV_KRNL_BS_5400_NUM_LANE(base_.data(), 5, &mode_code, nullptr);
+  EXPECT_EQ(mode_code, -1);
+  EXPECT_STREQ(movload_last_failure(), "an argument of the call is a null pointer");
+
+  const string path = layout_.path + ": ";
+  for (const int few : {2, 0})
+    EXPECT_FAILED(ask(base_, SIMB, few),
+                  path + "NUM_LANE of the host is " + to_string(few) + ", outside 3 to 2147483647", few);
+  for (const QUESTION& question : QUESTIONS)
+    for (const std::int32_t item : {INT_BOTTOM, 0, question.items + 1, INT_TOP})
+      EXPECT_FAILED(
+          host::RUN(LANES, base_, 0, question.kind, question.id, item, 1),
+          path + "RESULT_ITEM is " + to_string(item) + ", outside 1 to " + to_string(question.items));
+
+  // Influence volumes aren't read; their format is told first.
+  const auto store = [&](const string& text) { EXPECT_FAILED(ask(base_, SIMB, LANES, 100), path + text); };
+  store("this version doesn't read influence volumes (mode codes from 100 on)");
+  EXPECT_EQ(host::NUM_LANE(base_, 100).NUM_LANE, LANES);
+  WRITE({.format_number = 9500});
+  store("block IFSV: record 1: format number 9500, where 9600 is expected");
+  EXPECT_EQ(host::NUM_LANE(base_, 100).MODE_CODE, -1);
+  WRITE({.left_out = {"IFSV"}});
+  store("block IFSV: the block isn't in the directory");
+  EXPECT_EQ(host::NUM_LANE(base_, 0).NUM_LANE, LANES);
+}
+
+TEST_F(damage, a_call_with_nothing_to_search_is_no_failure) {
+  host::ARGUMENTS untouched(LANES);
+  untouched.MODE_CODE = 77;
+  EXPECT_TRUE(host::SAME(untouched, host::RUN(LANES, "no such model", 77, MOVLOAD_RK_BEAM, 1, 51, 1)));
+  EXPECT_STREQ(movload_last_failure(), "");
+
+  // Empty records, and the two values untouched. The last 500 entries of a lane's own range list are the
+  // host's.
+  const host::ARGUMENTS empty = host::RUN(LANES, base_, 0, 7, 1, 1, 1);
+  EXPECT_TRUE(empty.MODE_CODE == 0 && empty.FINAL_MAX == host::UNTOUCHED &&
+              empty.FINAL_MIN == host::UNTOUCHED);
+  empty.EACH_ARRAY([](const string& name, const auto& array) {
+    for (int lane = 1; lane <= LANES; ++lane) {
+      for (int k = 1; k <= array.PER_LANE; ++k) {
+        const bool is_type = (name == "K_MXLOAD" || name == "K_MNLOAD") && k == MOVLOAD_COMB_TYPE + 1;
+        const bool is_hosts = (name == "K_MAXINFL_S" || name == "K_MININFL_S") && k > 500;
+        const int expected = is_hosts ? host::UNTOUCHED : is_type && lane < LANES ? 1 : 0;
+        ASSERT_EQ(static_cast<int>(array(k, lane)), expected) << name << k;
+      }
+    }
+  });
+  for (const std::int32_t kind : {8, 9, 11, 15, 0, -1, 17, INT_TOP})
+    EXPECT_TRUE(host::SAME(empty, host::RUN(LANES, base_, 0, kind, 1, 1, 1))) << kind;
+  // A node without local axes, and a model without them.
+  EXPECT_TRUE(host::SAME(empty, host::RUN(LANES, base_, 0, MOVLOAD_RK_LDSP, 5, 1, 1)));
+  for (const char* tag : {"NLAX", "LDSP"}) {
+    WRITE({.left_out = {tag}});
+    EXPECT_TRUE(host::SAME(empty, ask(base_, LDSP)));
+  }
+  PUT("MVIF", 1, 13, 0);  // no local reactions
+  EXPECT_TRUE(host::SAME(empty, host::RUN(LANES, base_, 0, MOVLOAD_RK_LRAC, 3, 1, 1)));
+}
+
+TEST_F(damage, a_host_with_more_lanes_keeps_the_records_behind_the_model) {
+  const host::ARGUMENTS got = ask(base_, SIMB, LANES + 2);
+  EXPECT_EQ(got.NUM_LANE, LANES);
+  EXPECT_EQ(got.FINAL_MAX, SOUND(SIMB).FINAL_MAX);
+  EXPECT_EQ(got.FINAL_MIN, SOUND(SIMB).FINAL_MIN);
+  std::map<string, std::vector<double>> expected;
+  SOUND(SIMB).EACH_ARRAY([&](const string& name, const auto& array) {
+    const bool is_kept =
+        name == "K_MXLOAD" || name == "K_MNLOAD" || name == "K_MAXINFL_S" || name == "K_MININFL_S";
+    std::vector<double>& values = expected[name];
+    const auto lane = static_cast<std::size_t>(array.PER_LANE);
+    values.assign(array.values.begin(), array.values.begin() + LANES * array.PER_LANE);
+    values.resize((LANES + 2) * lane, is_kept ? host::UNTOUCHED : 0.0);
+    values.resize((LANES + 3) * lane, host::UNTOUCHED);
+  });
+  got.EACH_ARRAY([&](const string& name, const auto& array) {
+    EXPECT_EQ(std::vector<double>(array.values.begin(), array.values.end()), expected[name]) << name;
+  });
+}
+
+TEST_F(damage, of_a_path_over_260_characters_a_run_takes_the_first_260) {
+  std::filesystem::path folder = std::filesystem::path(base_).parent_path();
+  while (folder.string().size() + 102 < 260) folder /= string(100, 'd');
+  std::filesystem::create_directories(folder);
+  const string long_base = (folder / string(259 - folder.string().size(), 'm')).string();
+  std::filesystem::copy_file(layout_.path, long_base + ".ZA3");
+  for (const string tail : {"", "x", "/nowhere/at/all"})
+    EXPECT_TRUE(host::SAME(SOUND(SIMB), ask(long_base + tail, SIMB)));
+}
+
+TEST_F(damage, an_absent_block_fails_the_run) {
+  const auto without = [&](const string& tag, const QUESTION& question) {
+    WRITE({.left_out = {tag}});
+    EXPECT_FAILS("block " + tag + ": the block isn't in the directory", question);
+  };
+  for (const string tag : {"MVIF", "MLDI", "MVLC", "VEHI", "LNIF", "LVPF"}) without(tag, SIMB);
+  for (const QUESTION& question : QUESTIONS)
+    if (question.kind != LDSP.kind) without(question.block, question);
+}
+
+/// A count or index of the files and its bounds; the last stands in a case that no test asks for.
+struct BOUNDED {
+  const char* block;
+  int record;
+  int word;
+  const char* name;
+  std::int32_t low;
+  std::int32_t high;
+};
+constexpr BOUNDED BOUNDED_WORDS[] = {
+    {"MVIF", 1, 0, "N_VEHICLE_GROUP", 0, INT_TOP},
+    {"MVIF", 1, 1, "NUM_LANE", 0, INT_TOP},
+    {"MVIF", 1, 2, "N_MV_CASE", 0, INT_TOP},
+    {"MVIF", 1, 3, "N_UNIT_LOAD", 1, INT_TOP},
+    {"MVIF", 1, 4, "MAX_POINTS", 0, INT_TOP - 1},
+    {"MVIF", 1, 5, "N_REAC_NODE", 0, INT_TOP},
+    {"MVIF", 1, 9, "N_VEHICLE_COLUMN", 0, 100},
+    {"MVIF", 1, 10, "N_VEHICLE_CLASS", 0, INT_TOP},
+    {"MVIF", 1, 13, "N_LOCAL_REACTION", 0, INT_TOP},
+    {"MVIF", 1, 15, "N_STRADDLE", 0, INT_TOP},
+    {"MVIF", 1, 16, "MAX_LANE_EXTRA", 0, INT_TOP},
+    {"MVIF", 1, 17, "MAX_SPREAD", 0, INT_TOP},
+    {"MVIF", 1, 20, "N_COMBINATION", 0, INT_TOP},
+    {"MVIF", 1, 23, "MAX_TRANSVERSE", 0, INT_TOP},
+    {"VEHI", 1, 1, "N_GROUP_VEHICLE", 0, 1},
+    {"VEHI", 2, 0, "VEH_CLASS", 0, 1},
+    {"VEHI", 2, 15, "N_VEHICLE_LOADS", 0, 100},
+    {"VEHI", 2, 216, "N_VEHICLE_GEOM", INT_BOTTOM, 100},
+    {"PHSL", 1, 0, "N_CLASS_DEF", 0, INT_TOP},
+    {"PHSL", 1, 1, "MAX_DEF_ENTRIES", 0, INT_TOP},
+    {"PHSL", 2, 0, "group row", 1, 1},
+    {"PHSL", 2, 2, "lane", 1, 3},
+    {"PHSL", 3, 1, "points of a class definition", 0, 3},
+    {"PHSL", 3, 2, "entries of a class definition", 0, 3},
+    {"PHSL", 3, 6, "entries per plane of a class definition", 1, INT_TOP},
+    {"LNIF", 1, 1, "N_SPREAD", 0, 1},
+    {"LNIF", 1, 2, "LANE_STATIONS", 0, 3},
+    {"LNIF", 1, 3, "N_LANE_EXTRA", 0, 1},
+    {"LNIF", 1, 8, "N_TRANSVERSE", 0, 3},
+    {"LNIF", 2, 0, "count of a spread row", 0, 4},
+    {"LNIF", 2, 1, "unit load of a spread row", 1, 6},
+    {"LNIF", 2, 4, "unit load of a spread row", 1, 6},
+    {"LNIF", 11, 9, "N_PER_PLANE", 1, 1},
+    {"LNIF", 12, 0, "STRADDLE_LEFT", 1, 3},
+    {"LNIF", 12, 1, "STRADDLE_RIGHT", 1, 3},
+    {"MLIF", 1, 0, "MAX_AXLE_LIST", 4, INT_TOP},
+    {"MLIF", 1, 1, "N_AXLE_LIST", 0, INT_TOP},
+    {"MLIF", 2, 1, "class of an axle list", 1, 1},
+    {"MLIF", 2, 2, "lane of an axle list", 1, 3},
+    {"MLIF", 2, 3, "length of an axle list", 0, 4},
+    {"MLIF", 2, 4, "lane of an axle", INT_BOTTOM, 3},
+    {"MVLC", 2, 0, "LANE_CODE", 0, 4},
+    {"MVLC", 4, 2, "LANE_CODE", 0, 4},
+};
+
+TEST_F(damage, counts_and_indices_outside_their_bounds_fail_with_their_name) {
+  const auto fails = [&](const BOUNDED& field, auto written, std::int64_t value) {
+    PUT(field.block, field.record, field.word, written);
+    EXPECT_FAILS(string("block ") + field.block + ": record " + to_string(field.record) + ": " + field.name +
+                 " is " + to_string(value) + ", outside " + to_string(field.low) + " to " +
+                 to_string(field.high));
+    REPAIR();
+  };
+  for (const BOUNDED& field : BOUNDED_WORDS) {
+    for (const std::int64_t value : {field.low - 1LL, field.high + 1LL, -(1LL << 31), (1LL << 31) - 1}) {
+      if (value >= field.low && value <= field.high) continue;
+      if (value == static_cast<std::int32_t>(value)) fails(field, static_cast<std::int32_t>(value), value);
+    }
+  }
+  // References that the files hold as reals are truncated; what doesn't fit gives -2147483648.
+  for (const auto& [written, value] :
+       {std::pair{7.5, 7}, {0.5, 0}, {1e300, INT_BOTTOM}, {INFINITE, INT_BOTTOM}})
+    fails({"LNIF", 4, 8, "unit load of a link", 1, 6}, written, value);
+  for (const auto& [written, value] : {std::pair{-2.0, 2LL}, {-0.5, 0LL}, {-1e300, 1LL << 31}})
+    fails({"LNIF", 4, 12, "spread row of a link", 1, 1}, written, value);
+  for (const auto& [written, value] : {std::pair{-1.0, -1}, {2.0, 2}, {std::nan(""), INT_BOTTOM}})
+    fails({"LVPF", 2, 0, "count of a class entry", 0, 1}, written, value);
+  for (const auto& [written, value] : {std::pair{0.0, 0}, {7.0, 7}, {std::nan(""), INT_BOTTOM}})
+    fails({"LVPF", 2, 2, "unit load of a class entry", 1, 6}, written, value);
+}
+
+TEST_F(damage, blocks_that_contradict_each_other_fail_the_run) {
+  const string not_the_last = ": the straddle lanes aren't just the last ";
+  const string misplaced_2 = "block LNIF: record 7: lane 2" + not_the_last;
+  const string misplaced_3 = "block LNIF: record 11: lane 3" + not_the_last;
+  const string no_planes =
+      "block MLIF: record 2: the axle list of straddle lane 3 names lane 1, which lacks entries for its "
+      "planes";
+  const string outside = ": the record lies outside the block";
+  const std::tuple<const char*, int, int, std::int32_t, string> CONTRADICTIONS[] = {
+      {"LNIF", 7, 7, 1, misplaced_2 + "1 lanes"},
+      {"LNIF", 11, 7, 0, misplaced_3 + "1 lanes"},
+      {"MVIF", 1, 15, 0, misplaced_3 + "0 lanes"},
+      {"MVIF", 1, 15, 2, misplaced_2 + "2 lanes"},
+      {"MVIF", 1, 15, 4, "block MVIF: record 1: N_STRADDLE is 4, outside 0 to 3"},
+      {"LNIF", 1, 9, 0, no_planes},
+      {"LNIF", 1, 9, 2, no_planes},
+      {"MVIF", 1, 0, 2, "block VEHI: record 3" + outside},
+      {"MVIF", 1, 9, 0, "block VEHI: record 1: N_GROUP_VEHICLE is 1, outside 0 to 0"},
+      {"MVIF", 1, 20, 2, "block MVLC: record 5" + outside},
+      {"PHSL", 1, 0, 2, "block PHSL: record 5" + outside},
+      {"PHSL", 1, 1, 2, "block LVPF: record 1: a record has 24 bytes where 40 are read"},
+      {"MLIF", 1, 1, 2, "block MLIF: record 3" + outside},
+  };
+  for (const auto& [block, record, word, value, text] : CONTRADICTIONS) {
+    PUT(block, record, word, value);
+    EXPECT_FAILS(text);
+    REPAIR();
+  }
+}
+
+TEST_F(damage, a_count_beyond_the_records_neither_takes_memory_nor_time) {
+  using word_at = std::tuple<const char*, int, int>;
+  const word_at max_points{"MVIF", 1, 4};
+  const word_at max_spread{"MVIF", 1, 17};
+  const word_at max_extra{"MVIF", 1, 16};
+  const word_at max_transverse{"MVIF", 1, 23};
+  const std::pair<std::vector<word_at>, const char*> CASES[] = {
+      {{{"MVIF", 1, 0}}, "VEHI"},
+      {{{"MVIF", 1, 2}}, "MVIF"},
+      {{{"MVIF", 1, 20}}, "MVLC"},
+      {{max_spread, {"LNIF", 1, 1}}, "LNIF"},
+      {{max_points, {"LNIF", 1, 2}}, "LNIF"},
+      {{max_extra, {"LNIF", 1, 3}}, "LNIF"},
+      {{max_transverse, {"LNIF", 1, 8}}, "LNIF"},
+      {{max_points, max_transverse, {"LNIF", 11, 2}, {"LNIF", 11, 8}}, "LNIF"},
+      {{{"PHSL", 1, 0}}, "PHSL"},
+      {{{"PHSL", 1, 1}}, "LVPF"},
+      {{max_points, {"PHSL", 3, 1}}, "LVPF"},
+      {{max_points, max_transverse, {"PHSL", 3, 1}, {"PHSL", 3, 2}}, "LVPF"},
+      {{{"MLIF", 1, 1}}, "MLIF"},
+      {{{"MLIF", 1, 0}, {"MLIF", 2, 3}}, "MLIF"},
+  };
+  limit_memory(512 << 20);
+  const auto start = std::chrono::steady_clock::now();
+  for (const std::int32_t huge : {1 << 30, INT_TOP - 1}) {
+    for (const auto& [words, tag] : CASES) {
+      for (const auto& [block, record, word] : words) PUT(block, record, word, huge);
+      EXPECT_FAILS_IN(tag);
+      REPAIR();
+    }
+    // Counts that are upper bounds only.
+    for (const auto& [block, record, word] : {max_points,
+                                              max_spread,
+                                              max_extra,
+                                              max_transverse,
+                                              {"MVIF", 1, 5},
+                                              {"MVIF", 1, 10},
+                                              {"MVIF", 1, 13}})
+      PUT(block, record, word, huge);
+    for (const QUESTION& question : QUESTIONS) EXPECT_TRUE(host::SAME(SOUND(question), ask(base_, question)));
+    REPAIR();
+    // A run of so many records lies outside the block, so that the result stands in no run.
+    PUT("MVIF", 1, 3, huge);
+    for (const QUESTION& question : QUESTIONS) EXPECT_LE(ask(base_, question).FINAL_MAX, 0.0);
+    REPAIR();
+    // A host that believes the count.
+    PUT("MVIF", 1, 1, huge);
+    host::ARGUMENTS arguments(LANES);
+    arguments.NUM_LANE = INT_TOP;
+    arguments.RUN(base_, 0, SIMB.kind, SIMB.id, 1, 1);
+    EXPECT_EQ(movload_last_failure(), layout_.path + ": block LNIF: record " + to_string(huge) +
+                                          ": the record lies outside the block");
+    REPAIR();
+  }
+  limit_memory(NO_LIMIT);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+TEST_F(damage, a_directory_that_is_none_or_runs_in_a_circle_fails_the_run) {
+  constexpr std::int64_t SECOND = 21 * 28;
+  const auto fails = [&](std::int64_t offset, auto value, const string& text) {
+    WRITE({.unused_groups = 2});
+    PUT(offset, value);
+    EXPECT_FAILS("block MVIF: " + text);
+  };
+  for (const std::int64_t header : {std::int64_t{0}, SECOND})
+    for (const std::int64_t word : {0, 4, 8, 12})
+      fails(header + word, 3, "the file holds no block directory of this version and kind");
+  for (const std::int64_t next : {std::int64_t{1}, std::int64_t{-1}, std::int64_t{1} << 40, LONG_TOP})
+    fails(16, next, "the directory can't be read to its end");
+  fails(SECOND + 16, std::int64_t{1}, "the directory can't be read to its end");
+}
+
+TEST_F(damage, a_damaged_directory_entry_fails_with_the_blocks_name) {
+  for (const string tag : {"MVIF", "MLDI", "MVLC", "VEHI", "LNIF", "LVPF", "MLIF", "PHSL", "SIMB"}) {
+    const std::int64_t entry = layout_.BLOCK(tag).entry_offset;
+    const auto fails = [&](std::int64_t offset, auto value) {
+      PUT(entry + offset, value);
+      EXPECT_FAILS_IN(tag);
+      REPAIR();
+    };
+    for (const std::int32_t length : {1, INT_TOP}) fails(24, length);
+    for (const std::int32_t length : {0, -1, INT_BOTTOM}) {
+      PUT(entry + 24, length);
+      EXPECT_FAILS("block " + tag + ": the block's record length can't be " + to_string(length) + " words");
+      REPAIR();
+    }
+    for (const std::int64_t first : {std::int64_t{0}, std::int64_t{-1}}) fails(8, first);
+    // Without records a shape block has no definitions, and a result outside its block stands in no run.
+    if (tag == "PHSL" || tag == "SIMB") continue;
+    for (const std::int64_t first : {std::int64_t{1} << 40, LONG_TOP, -LONG_TOP - 1}) fails(8, first);
+    for (const std::int64_t last : {layout_.BLOCK(tag).first - 1, std::int64_t{-1}, -LONG_TOP - 1})
+      fails(16, last);
+    PUT(entry + 16, LONG_TOP);
+    EXPECT_ANSWER_OR_REASON();
+    PUT(entry + 16, std::int64_t{1} << 40);
+    EXPECT_TRUE(host::SAME(SOUND(SIMB), ask(base_, SIMB)));
+    REPAIR();
+  }
+  // The second run of a block that begins in front of the file would lie in the directory.
+  PUT(layout_.BLOCK("DISP").entry_offset + 8, std::int64_t{0});
+  EXPECT_FAILS("block DISP: record 12: the record lies outside the block", QUESTIONS[2]);
+}
+
+TEST_F(damage, a_file_cut_anywhere_fails_or_answers_as_before) {
+  for (std::int64_t length = layout_.size; length >= 0; --length) {
+    std::filesystem::resize_file(layout_.path, static_cast<std::uintmax_t>(length));
+    const QUESTION& question = QUESTIONS[length % std::ssize(QUESTIONS)];
+    const host::ARGUMENTS got = ask(base_, question);
+    const bool failed = got.MODE_CODE == -1;
+    ASSERT_TRUE(host::SAME(failed ? nothing_written() : SOUND(question), got)) << length;
+    ASSERT_EQ(failed, movload_last_failure()[0] != '\0') << length;
+  }
+  EXPECT_TRUE(host::SAME(SOUND(SIMB), ask(sound_base_, SIMB)));  // no failure has left a file open
+}
+
+TEST_F(damage, any_altered_byte_or_word_gives_an_answer_or_a_reason) {
+  modelkit::T_MODEL model = tiny_model();
+  model.disp = model.ldisp = model.reac = model.lrac = model.elnk = model.nlnk = {};
+  for (const bool with_axle_lists : {true, false}) {  // which put class definitions out of use
+    if (!with_axle_lists) model.axle_lists.clear();
+    layout_ = modelkit::WRITE_MODEL(model, base_);
+    string bytes(static_cast<std::size_t>(layout_.size), '\0');
+    std::ifstream(layout_.path, std::ios::binary).read(bytes.data(), layout_.size);
+    const auto try_value = [&](std::size_t at, auto value) {
+      SCOPED_TRACE("byte " + to_string(at));
+      decltype(value) before;
+      std::memcpy(&before, bytes.data() + at, sizeof before);
+      PUT(static_cast<std::int64_t>(at), value);
+      EXPECT_ANSWER_OR_REASON();
+      PUT(static_cast<std::int64_t>(at), before);
+    };
+    for (std::size_t at = 0; at + 8 <= bytes.size() && !HasFatalFailure(); ++at) {
+      // Far inside a stretch of zeros, as a vehicle's lists have it, nothing is read.
+      if (at > 8 && bytes.find_first_not_of('\0', at - 8) > at + 8) continue;
+      for (const int value : {~bytes[at], 0x7F, 0x80})
+        if (with_axle_lists) try_value(at, static_cast<char>(value));
+      if (at % 4 != 0) continue;
+      for (const double value : {std::nan(""), -1e308, INFINITE}) try_value(at, value);
+      for (const std::int32_t value : {-1, INT_TOP, INT_BOTTOM}) try_value(at, value);
+    }
+  }
+}
+
+}  // namespace

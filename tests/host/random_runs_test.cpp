@@ -1,0 +1,420 @@
+// Whole runs against the judge on random models: both values and every entry of every array, bit for bit.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "modelkit/model_writer.h"
+#include "modelkit/random_model.h"
+#include "tests/host/host_call.h"
+#include "tests/host/plain_run.h"
+
+namespace {
+
+using modelkit::T_FILE_FORM;
+using modelkit::T_MODEL;
+using modelkit::T_RESPONSE;
+
+constexpr std::uint64_t N_MODELS = 600;
+constexpr int REQUESTS = 16;  // of a model
+
+class RANDOM {
+ public:
+  explicit RANDOM(std::uint64_t seed) : ENGINE(seed) {}
+
+  int between(int low, int high) {
+    return low + static_cast<int>(ENGINE() % static_cast<std::uint64_t>(high - low + 1));
+  }
+  bool one_in(int count) { return between(1, count) == 1; }
+  template <class T>
+  T one_of(const std::vector<T>& list) {
+    return list.at(static_cast<std::size_t>(between(0, static_cast<int>(list.size()) - 1)));
+  }
+
+  std::mt19937_64 ENGINE;
+};
+
+int greatest_class(const T_MODEL& model) {
+  int greatest = 0;
+  for (const auto& group : model.vehicle_groups)
+    for (const auto& vehicle : group.vehicles) greatest = std::max(greatest, vehicle.vehicle_class);
+  return greatest;
+}
+
+/// Groups numbered otherwise than their classes, columns without class, several vehicles of a class or of
+/// other codes, counts that tell less or more than the lists hold.
+void change_vehicles(T_MODEL& model, RANDOM& random) {
+  const int classes = greatest_class(model);
+  const bool groups_apart = random.one_in(4);
+  const bool classes_apart = random.one_in(4);
+  for (auto& group : model.vehicle_groups) {
+    if (groups_apart) group.group = random.between(0, classes);
+    while (random.one_in(4) && group.vehicles.size() < 4) group.vehicles.push_back(group.vehicles.front());
+    for (auto& vehicle : group.vehicles) {
+      if (classes_apart) vehicle.vehicle_class = random.between(random.one_in(4) ? 0 : 1, classes);
+      if (random.one_in(20)) vehicle.code = random.one_of<int>({14, 15, 16, 0, -20});
+      if (random.one_in(8)) vehicle.load_count = random.one_of<int>({0, 1, 100});
+      if (random.one_in(8)) vehicle.geometry_count = random.one_of<int>({-1, 0, 1, 100});
+      if (random.one_in(8)) vehicle.ha_wmin = vehicle.ha_w0 + 1.0;
+      if (random.one_in(8)) vehicle.loads[0] = -vehicle.loads[0];
+    }
+  }
+  // Codes and axle lists stay within the classes that are left.
+  const int left = greatest_class(model);
+  std::erase_if(model.axle_lists, [left](const auto& list) { return list.vehicle_class > left; });
+  for (auto& load_case : model.moving_load_cases)
+    for (auto& combination : load_case.combinations)
+      for (auto& load : combination) load.code = std::min(load.code, 4 * left);
+}
+
+/// Positions that stand three to six times, points without links, spread rows longer than a record.
+void change_lanes(T_MODEL& model, RANDOM& random) {
+  if (random.one_in(10)) model.class_lanes = true;
+  for (auto& lane : model.lanes) {
+    const bool piles_up = model.axle_lists.empty() && !lane.is_straddle && random.one_in(3);
+    for (std::size_t k = 1; piles_up && k < lane.points.size(); ++k)
+      if (random.one_in(2)) lane.points[k].x = lane.points[k - 1].x;
+    for (auto& point : lane.points) {
+      if (random.one_in(30)) point.entries.clear();
+      if (random.one_in(30)) point.impact = random.one_of<double>({-1.0, 0.1, 1e-9});
+    }
+    for (auto& row : lane.spread_rows)
+      if (random.one_in(8)) row.resize(6, row.empty() ? modelkit::T_LOAD_SHARE{1, 0.3} : row.front());
+  }
+}
+
+/// Definitions of equal number, for the same lane twice, of number 0, with fewer or more points and entries
+/// than their lane.
+void change_definitions(T_MODEL& model, RANDOM& random) {
+  auto& definitions = model.class_definitions;
+  if (!definitions.empty() && random.one_in(3)) {
+    definitions.push_back(random.one_of(definitions));
+    definitions.back().b1 = 0;
+    if (random.one_in(2)) definitions.back().number += 1000;
+  }
+  for (auto& definition : definitions) {
+    if (random.one_in(6)) definition.number = random.one_of<int>({0, -3, 7, definitions.front().number});
+    if (random.one_in(6)) definition.links.resize(definition.links.size() / 2);
+    if (random.one_in(6) && !definition.links.empty())
+      definition.links.resize(definition.links.size() + 3, definition.links.front());
+    if (random.one_in(6)) definition.entries_per_point = random.between(1, 4);
+    if (random.one_in(2)) definition.entries_per_plane = random.between(1, 7);
+  }
+}
+
+/// Scales below 0, such as are 0 once narrowed, and such as don't fit their record; combinations shorter than
+/// the lane list; a case of one combination twice.
+void change_combinations(T_MODEL& model, RANDOM& random) {
+  for (auto& load_case : model.moving_load_cases) {
+    for (auto& combination : load_case.combinations) {
+      for (auto& load : combination)
+        if (random.one_in(12)) load.scale = random.one_of<double>({-1.0, 1e-60, 1e-9, 300.0, -0.0, -300.0});
+      if (random.one_in(12)) combination.resize(combination.size() / 2);
+    }
+    if (!load_case.combinations.empty() && random.one_in(6))
+      load_case.combinations.push_back(load_case.combinations.front());
+  }
+}
+
+std::vector<T_RESPONSE>& responses_of(T_MODEL& model, int kind) {
+  switch (kind) {
+    case MOVLOAD_RK_DISP:
+      return model.disp;
+    case MOVLOAD_RK_REAC:
+      return model.reac;
+    case MOVLOAD_RK_LRAC:
+      return model.lrac;
+    case MOVLOAD_RK_SIMB:
+      return model.simb;
+    case MOVLOAD_RK_ELNK:
+      return model.elnk;
+    case MOVLOAD_RK_NLNK:
+      return model.nlnk;
+    default:
+      return model.ldisp;
+  }
+}
+
+/// Nodes that stand twice among those that are searched for by number, signs turned, and responses cut short.
+void change_responses(T_MODEL& model, RANDOM& random) {
+  for (const int kind : {MOVLOAD_RK_REAC, MOVLOAD_RK_LRAC, MOVLOAD_RK_LDSP}) {
+    std::vector<T_RESPONSE>& responses = responses_of(model, kind);
+    if (random.one_in(4) && !responses.empty()) {
+      responses.push_back(random.one_of(responses));
+      for (auto& component : responses.back().values)
+        for (float& value : component) value = -value;
+    }
+    if (random.one_in(10)) responses.clear();
+  }
+  for (auto& component : model.disp.front().values)
+    if (random.one_in(10)) component.resize(component.size() / 2);
+}
+
+/// A wave of one range at every second point, all of them loaded.
+void make_choppy(T_MODEL& model) {
+  for (auto& lane : model.lanes)
+    for (std::size_t k = 0; k < lane.points.size(); ++k) {
+      const auto load = static_cast<std::int32_t>(k % static_cast<std::size_t>(model.unit_loads)) + 1;
+      lane.points[k].entries = {{.a = {.load = load, .weight = k % 4 < 2 ? 1.0 : -1.0}, .b = {}}};
+    }
+  for (auto& response : model.disp)
+    for (auto& component : response.values)
+      for (std::size_t load = 0; load < component.size(); ++load)
+        component[load] = load % 2 == 0 ? 1.0F + static_cast<float>(load % 7) : 0.0F;
+  for (auto& group : model.vehicle_groups)
+    for (auto& vehicle : group.vehicles) vehicle.geometry[0] = 1e6;
+}
+
+/// The base is valid in the sense of RANDOM_MODEL; what is changed in it stays sound.
+T_MODEL model_of(std::uint64_t seed, RANDOM& random) {
+  modelkit::T_RANDOM_OPTIONS options;
+  options.other_sub_cases = random.one_of<double>({0.0, 0.1, 0.5});
+  options.straddle_lanes = seed % 3 == 0 ? 1.0 : 0.0;
+  options.axle_lists = seed % 5 == 0 ? 1.0 : 0.0;
+  options.class_definitions = seed % 4 == 0 ? 1.0 : 0.0;
+  options.warping = 0.3;
+  options.longest_step = random.one_of<double>({0.6, 5.0, 30.0});
+  if (seed % 50 == 1) {  // lists of ranges beyond their limits
+    options.max_lanes = 1;
+    options.max_points = 2500;
+    options.repeated_points = 0.0;
+    options.responses_of_all_kinds = false;
+  }
+  T_MODEL model = modelkit::RANDOM_MODEL(random.ENGINE, options);
+  if (options.max_lanes == 1) make_choppy(model);
+  if (random.one_in(4)) return model;
+  change_vehicles(model, random);
+  change_lanes(model, random);
+  change_definitions(model, random);
+  change_combinations(model, random);
+  change_responses(model, random);
+  return model;
+}
+
+T_FILE_FORM form_of(RANDOM& random) {
+  T_FILE_FORM form;
+  // Codes 2 and 4 read no class definitions.
+  form.analysis_code = random.one_in(2) ? 0 : random.between(0, 4);
+  form.long_vehicles = random.one_in(2);
+  form.short_mldi = random.one_in(2);
+  form.reverse_entries = random.one_in(2);
+  form.unused_groups = random.between(0, 2);
+  form.header_groups_behind = random.one_in(2);
+  return form;
+}
+
+struct REQUEST {
+  int KIND = 0;
+  int ID = 0;
+  int ITEM = 1;
+  int MV_CASE = 1;
+};
+
+REQUEST request_of(T_MODEL& model, RANDOM& random) {
+  REQUEST request;
+  std::vector<int> kinds = {MOVLOAD_RK_DISP, MOVLOAD_RK_DISP, MOVLOAD_RK_LRAC, MOVLOAD_RK_LDSP};
+  if (!model.reac.empty()) kinds.push_back(MOVLOAD_RK_REAC);
+  if (!model.simb.empty()) kinds.insert(kinds.end(), {MOVLOAD_RK_SIMB, MOVLOAD_RK_ELNK, MOVLOAD_RK_NLNK});
+  request.KIND = random.one_of(kinds);
+  const auto& responses = responses_of(model, request.KIND);
+  request.ID = responses.empty() || random.one_in(8) ? random.between(-1, 12) : random.one_of(responses).id;
+  const bool of_elements = request.KIND >= MOVLOAD_RK_SIMB && request.KIND <= MOVLOAD_RK_NLNK;
+  request.ITEM = random.between(1, of_elements ? 12 : model.n_dof);
+  const int cases = static_cast<int>(model.moving_load_cases.size());
+  request.MV_CASE = random.one_in(10) ? random.one_of<int>({-1, 0, cases + 1}) : random.between(1, cases);
+  return request;
+}
+
+/// What the models have reached, so that a change of the generator can't quietly lose what it is there for.
+struct SEEN {
+  int BOTH_SIDES = 0;
+  int SEVERAL_RANGES = 0;
+  int FULL_LISTS = 0;
+  int FULL_DISTANCES = 0;
+  int TOO_LARGE_FACTORS = 0;
+  int PLANE_FACTORS = 0;
+  int NOTHING_SEARCHED = 0;
+
+  void note(const host::ARGUMENTS& got) {
+    BOTH_SIDES += got.FINAL_MAX > 0 && got.FINAL_MIN < 0;
+    NOTHING_SEARCHED += got.FINAL_MAX == host::UNTOUCHED;
+    for (int lane = 1; lane <= got.NUM_LANE; ++lane) {
+      SEVERAL_RANGES += got.K_MXLOAD(MOVLOAD_NO_LOADED_RANGE + 1, lane) > 1;
+      FULL_LISTS += got.K_MXLOAD(MOVLOAD_NO_LOADED_RANGE + 1, lane) == 500;
+      FULL_DISTANCES += got.DISTANCE_MAX_RANGE(200, lane) > 0;
+      TOO_LARGE_FACTORS += got.K_MXLOAD(MOVLOAD_FACTOR + 1, lane) == INT_MIN;
+      PLANE_FACTORS += got.K_MNLOAD2ND(MOVLOAD_FACTOR + 1, lane) != 0;
+    }
+  }
+};
+
+std::string told(std::uint64_t seed, const REQUEST& request, const T_FILE_FORM& form) {
+  std::ostringstream text;
+  text << "seed " << seed << ", kind " << request.KIND << ", id " << request.ID << ", item " << request.ITEM
+       << ", case " << request.MV_CASE << ", analysis code " << form.analysis_code;
+  return text.str();
+}
+
+host::ARGUMENTS judged(const T_MODEL& model, int host_lanes, const T_FILE_FORM& form,
+                       const REQUEST& request) {
+  return plain::RUN(model, host_lanes, form.analysis_code, request.KIND, request.ID, request.ITEM,
+                    request.MV_CASE);
+}
+host::ARGUMENTS answered(const host::TEMPORARY_DIRECTORY& directory, int host_lanes, const T_FILE_FORM& form,
+                         const REQUEST& request) {
+  return host::RUN(host_lanes, directory.BASE(), form.analysis_code, request.KIND, request.ID, request.ITEM,
+                   request.MV_CASE);
+}
+
+TEST(random_runs, every_array_of_the_host_equals_the_plain_steps) {
+  const host::TEMPORARY_DIRECTORY directory;
+  SEEN seen;
+  int failures = 0;
+  for (std::uint64_t seed = 1; seed <= N_MODELS && failures < 5; ++seed) {
+    RANDOM random(seed);
+    T_MODEL model = model_of(seed, random);
+    const T_FILE_FORM form = form_of(random);
+    modelkit::WRITE_MODEL(model, directory.BASE(), form);
+
+    const int lanes = static_cast<int>(model.lanes.size());
+    const host::LANE_COUNT answer = host::NUM_LANE(directory.BASE(), form.analysis_code);
+    EXPECT_EQ(answer.NUM_LANE, lanes) << "seed " << seed;
+    EXPECT_EQ(answer.MODE_CODE, form.analysis_code) << "seed " << seed;
+
+    for (int i = 0; i < REQUESTS; ++i) {
+      const REQUEST request = request_of(model, random);
+      const int host_lanes = lanes + (random.one_in(4) ? random.between(1, 3) : 0);
+      const auto expected = judged(model, host_lanes, form, request);
+      const auto got = answered(directory, host_lanes, form, request);
+      seen.note(got);
+      if (expected == got) continue;
+      ADD_FAILURE() << told(seed, request, form) << "\n" << host::SAME(expected, got).message();
+      ++failures;
+      break;
+    }
+  }
+  EXPECT_GT(seen.BOTH_SIDES, 1000);
+  EXPECT_GT(seen.SEVERAL_RANGES, 1000);
+  EXPECT_GT(seen.FULL_LISTS, 5);
+  EXPECT_GT(seen.FULL_DISTANCES, 20);
+  EXPECT_GT(seen.TOO_LARGE_FACTORS, 20);
+  EXPECT_GT(seen.PLANE_FACTORS, 100);
+  EXPECT_GT(seen.NOTHING_SEARCHED, 100);
+}
+
+TEST(random_runs, the_form_of_the_files_changes_no_answer) {
+  const host::TEMPORARY_DIRECTORY directory;
+  std::vector<T_FILE_FORM> forms(7);
+  forms[1].long_vehicles = true;
+  forms[2].short_mldi = true;
+  forms[3].reverse_entries = true;
+  forms[4].unused_groups = 3;
+  forms[5].unused_groups = 3;
+  forms[5].header_groups_behind = true;
+  forms[6].analysis_code = 3;
+  for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+    RANDOM random(seed);
+    T_MODEL model = model_of(seed, random);
+    const REQUEST request = request_of(model, random);
+    const int lanes = static_cast<int>(model.lanes.size());
+    modelkit::WRITE_MODEL(model, directory.BASE(), forms[0]);
+    auto first = answered(directory, lanes, forms[0], request);
+    for (const T_FILE_FORM& form : forms) {
+      modelkit::WRITE_MODEL(model, directory.BASE(), form);
+      first.MODE_CODE = form.analysis_code;
+      EXPECT_TRUE(host::SAME(first, answered(directory, lanes, form, request))) << told(seed, request, form);
+    }
+  }
+}
+
+// A power of 2, so that nothing but the exponents change.
+TEST(random_runs, doubling_every_response_doubles_both_values_and_leaves_the_loading) {
+  const host::TEMPORARY_DIRECTORY directory;
+  for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+    RANDOM random(seed);
+    T_MODEL model = model_of(seed, random);
+    const REQUEST request = request_of(model, random);
+    const int lanes = static_cast<int>(model.lanes.size());
+    modelkit::WRITE_MODEL(model, directory.BASE());
+    auto once = answered(directory, lanes, {}, request);
+    for (auto& response : responses_of(model, request.KIND))
+      for (auto& component : response.values)
+        for (float& value : component) value *= 2.0F;
+    modelkit::WRITE_MODEL(model, directory.BASE());
+    const auto twice = answered(directory, lanes, {}, request);
+    if (once.FINAL_MAX != host::UNTOUCHED) {
+      once.FINAL_MAX *= 2.0;
+      once.FINAL_MIN *= 2.0;
+    }
+    EXPECT_TRUE(host::SAME(once, twice)) << told(seed, request, {});
+  }
+}
+
+TEST(random_runs, a_run_is_not_changed_by_the_runs_before_it) {
+  const host::TEMPORARY_DIRECTORY directory;
+  std::vector<T_MODEL> models;
+  for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+    RANDOM random(seed);
+    models.push_back(model_of(seed, random));
+    modelkit::WRITE_MODEL(models.back(), directory.BASE(std::to_string(seed)));
+  }
+  RANDOM random(1);
+  for (int i = 0; i < 200; ++i) {
+    const auto number = static_cast<std::size_t>(random.between(1, 10));
+    T_MODEL& model = models[number - 1];
+    const REQUEST request = request_of(model, random);
+    const int lanes = static_cast<int>(model.lanes.size());
+    const auto got = host::RUN(lanes, directory.BASE(std::to_string(number)), 0, request.KIND, request.ID,
+                               request.ITEM, request.MV_CASE);
+    EXPECT_TRUE(host::SAME(judged(model, lanes, {}, request), got)) << told(number, request, {});
+  }
+}
+
+void expect_as_judged(const T_MODEL& model, const REQUEST& request, const char* what) {
+  const host::TEMPORARY_DIRECTORY directory;
+  modelkit::WRITE_MODEL(model, directory.BASE());
+  const int lanes = static_cast<int>(model.lanes.size());
+  EXPECT_TRUE(host::SAME(judged(model, lanes, {}, request), answered(directory, lanes, {}, request))) << what;
+}
+
+TEST(small_models, a_model_may_lack_cases_combinations_vehicles_points_or_lanes) {
+  RANDOM random(1);
+  const T_MODEL whole = modelkit::RANDOM_MODEL(random.ENGINE);
+  const REQUEST request{.KIND = MOVLOAD_RK_DISP, .ID = whole.disp[0].id, .ITEM = 3, .MV_CASE = 1};
+  expect_as_judged(whole, request, "whole");
+  T_MODEL model = whole;
+  model.moving_load_cases[0].combinations.clear();
+  expect_as_judged(model, request, "no combination");
+  model.moving_load_cases.clear();
+  expect_as_judged(model, request, "no case");
+  model.vehicle_groups.clear();
+  expect_as_judged(model, request, "no vehicle");
+  model.lanes.clear();
+  expect_as_judged(model, request, "no lane");
+  model = whole;
+  model.vehicle_groups[0].vehicles.clear();
+  expect_as_judged(model, request, "a group without vehicles");
+  model = whole;
+  model.lanes[0].points.clear();
+  expect_as_judged(model, request, "a lane without points");
+  model = whole;
+  model.lanes[0].entries_per_point = 0;
+  expect_as_judged(model, request, "points without transverse entries");
+}
+
+TEST(small_models, kinds_with_nothing_to_search_leave_both_values_alone) {
+  RANDOM random(1);
+  const T_MODEL model = modelkit::RANDOM_MODEL(random.ENGINE);
+  for (const int kind : std::vector<int>{-1, 0, MOVLOAD_RK_TRUSS, MOVLOAD_RK_BEAM, MOVLOAD_RK_PLATE, 7, 8, 9,
+                                         MOVLOAD_RK_WALL, 11, 15, 17, INT_MAX, INT_MIN})
+    expect_as_judged(model, {.KIND = kind, .ID = 1, .ITEM = 1, .MV_CASE = 1}, "no search");
+  // Beyond the components of a beam not even the frame runs: NUM_LANE and all arrays stay.
+  expect_as_judged(model, {.KIND = MOVLOAD_RK_BEAM, .ID = 1, .ITEM = 51, .MV_CASE = 1}, "item 51");
+}
+
+}  // namespace

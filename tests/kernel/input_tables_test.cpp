@@ -1,0 +1,230 @@
+// What a run works out from its tables before any search: segments, vehicles, axle lists and ordinates.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "kernel/driver.h"
+#include "kernel/input_blocks.h"
+#include "modelkit/example_span.h"
+#include "modelkit/model_writer.h"
+#include "tests/kernel/temporary_directory.h"
+
+namespace kernel {
+namespace {
+
+using positions = std::vector<double>;
+
+std::int32_t points_per_segment(const std::vector<positions>& lines) {
+  std::vector<search::T_LANE> lanes(lines.size());
+  for (std::size_t l = 0; l < lines.size(); ++l) {
+    lanes[l].LANE_STATIONS = static_cast<std::int32_t>(lines[l].size());
+    lanes[l].POINT_X = lines[l];
+  }
+  return POINTS_PER_SEGMENT(lanes);
+}
+
+TEST(points_per_segment, is_the_first_repeat_of_lane_1_that_the_other_lanes_confirm) {
+  const positions plain{0, 1, 2, 3, 4};
+  const positions threes{0, 1, 2, 2, 3, 4};
+  const positions twos{0, 1, 1, 2, 2, 3, 3};
+  const std::pair<std::vector<positions>, std::int32_t> CASES[] = {
+      {{}, 3},
+      {{plain}, 5},
+      {{{7}}, 1},
+      {{{7, 7, 8}}, 1},
+      {{threes}, 3},
+      {{{}, plain}, 5},
+      {{{}, threes}, 3},
+      {{{}, twos}, 7},      // lane 1 alone chooses
+      {{twos, threes}, 6},  // nothing confirms 2
+      {{threes, {}, {0, 0, 1, 1, 2}}, 3},
+      {{threes, {0, 0, 1, 2, 2}}, 5},
+      {{{0, 1, 2, 2 - 1e-11, 3}}, 3},
+      {{{0, 1, 2, 2 + 1e-9, 3}}, 5},
+  };
+  for (const auto& [lines, points] : CASES) EXPECT_EQ(points_per_segment(lines), points);
+}
+
+TEST(vehicles, entries_beyond_the_counts_are_zero) {
+  search::T_VEHICLE vehicle;
+  vehicle.HA_CURVE = {1, 2, 3, 4};
+  vehicle.VEHICLE_LOADS = {120, 450, 77};
+  vehicle.VEHICLE_GEOM = {30, 1.5F, 6, 5, 9};
+  const auto check = [&](std::int32_t loads, std::int32_t geometry, std::array<real, 6> expected) {
+    vehicle.N_VEHICLE_LOADS = loads;
+    vehicle.N_VEHICLE_GEOM = geometry;
+    const search::T_VEHICLE_PARAMETERS p = search::VEHICLE_PARAMETERS(vehicle);
+    EXPECT_EQ((std::array{p.KEL_LOAD, p.HB_LOAD, p.HA_CURVE.HA_L0, p.HB_S, p.HB_B, p.HB_STEP}), expected)
+        << loads << " " << geometry;
+    EXPECT_EQ(p.HA_CURVE.HA_P, 4);
+  };
+  check(100, 100, {120, 450, 30, 1.5F, 6, 5});
+  check(2, 3, {120, 450, 30, 1.5F, 6, 5});
+  check(1, 2, {120, 0, 30, 1.5F, 6, 0});
+  check(0, 0, {0, 0, 30, 0, 0, 0});
+  check(0, -1, {0, 0, 0, 0, 0, 0});
+}
+
+TEST(vehicles, are_read_alike_from_short_and_long_records) {
+  const TEMPORARY_DIRECTORY files;
+  modelkit::T_MODEL written = modelkit::SIMPLE_SPAN_MODEL();
+  auto& vehicles = written.vehicle_groups[0].vehicles;
+  vehicles.assign(3, modelkit::HA_1978_VEHICLE(33.3));
+  for (std::size_t v = 0; v < 3; ++v) {
+    vehicles[v].code = 14 + static_cast<std::int32_t>(v);
+    vehicles[v].geometry_count = 5;
+  }
+  written.vehicle_groups.push_back({.group = 8, .vehicles = {modelkit::HA_1978_VEHICLE()}});
+  for (const bool long_vehicles : {false, true}) {
+    const auto layout = modelkit::WRITE_MODEL(written, files.NAME("model"), {.long_vehicles = long_vehicles});
+    modelkit::OVERWRITE_WORD(layout, "MVIF", 1, 9, 6);  // two columns more than vehicles
+    T_REQUEST request;
+    request.FILE_NAME = layout.path;
+    RECORD_FILE unit;
+    T_MODEL model;
+    ASSERT_TRUE(READ_MODEL(unit, request, 1, model).OK());
+    ASSERT_EQ(model.VEHICLES.size(), 6U);
+    for (const auto& [column, group, code, geometry] :
+         {std::tuple{0U, 1, 14, 4}, {1U, 1, 15, 4}, {2U, 1, 16, 5}, {3U, 8, 20, 4}, {5U, 0, 0, 0}}) {
+      EXPECT_EQ(model.VEHICLES[column].VEH_GROUP, group);
+      EXPECT_EQ(model.VEHICLES[column].VEHICLE_CODE, code);
+      EXPECT_EQ(model.VEHICLES[column].N_VEHICLE_GEOM, geometry);
+    }
+    EXPECT_EQ(model.VEHICLES[0].VEHICLE_LOADS[1], 10.0F * 33.3F);
+    EXPECT_EQ(model.VEHICLES[0].VEHICLE_LOADS[99], 33.3F);
+    EXPECT_EQ(model.VEHICLES[5].VEHICLE_GEOM[1], 0.0F);
+  }
+}
+
+TEST(lane_sequence, numbers_the_other_lanes_in_lane_order) {
+  using sets = std::array<std::size_t, 4>;
+  const std::tuple<std::vector<std::int32_t>, std::int32_t, std::vector<std::int32_t>, sets> CASES[] = {
+      {{}, 4, {4}, {0, 0, 0, 0}},
+      {{0, 0, 0, 0}, 4, {4}, {0, 0, 0, 0}},
+      {{4, -1, 0, 4}, 4, {4}, {0, 0, 0, 0}},
+      {{5, 0, 3, 5}, 4, {4, 3, 5}, {2, 0, 1, 2}},
+      {{2}, 1, {1, 2}, {1, 0, 0, 0}},
+      {{1, 2, 2, 1, 9, 7}, 1, {1, 2, 7, 9}, {0, 1, 1, 0}},  // entries behind the axles count as named
+  };
+  for (const auto& [list, lane, lanes, axles] : CASES) {
+    const search::T_LANE_SEQUENCE sequence = search::LANE_SEQUENCE(list, lane);
+    EXPECT_EQ(sequence.LANES, lanes);
+    EXPECT_EQ(sequence.AXLE_SET, axles);
+    EXPECT_EQ(sequence.NAMES_OTHERS(), lanes.size() > 1);
+  }
+}
+
+TEST(class_lane_table, the_first_entry_of_a_key_counts_and_slots_run_out) {
+  search::T_CLASS_LANE_TABLE table(3, 10);
+  EXPECT_TRUE(table.ADD(2, 1, 50));
+  EXPECT_TRUE(table.ADD(2, 1, 51));
+  EXPECT_TRUE(table.ADD(1, 10, 52));
+  EXPECT_FALSE(table.ADD(1, 3, 53));
+  EXPECT_EQ(table.FIND(2, 1), 50);
+  EXPECT_EQ(table.FIND(1, 10), 52);
+  EXPECT_EQ(table.FIND(1, 3), 0);
+}
+
+TEST(repeated_points, each_point_loses_at_most_one_repeat) {
+  const std::pair<std::vector<real>, std::vector<std::int32_t>> CASES[] = {
+      {{}, {}},
+      {{0, 5, 5, 10}, {1, 2, 4}},
+      {{0, 5, 5, 10, 10, 15, 15}, {1, 2, 4, 6}},
+      {{5, 5, 5}, {1, 3}},
+      {{5, 5, 5, 5}, {1, 3}},
+      {{5, 5, 5, 5, 5}, {1, 3, 5}},
+      {{0, 5, 10, 5, 0, 5}, {1, 2, 3, 6}},
+      {{0, -0.0F, 1}, {1, 3}},
+      {{0, 1, std::nextafter(1.0F, 2.0F)}, {1, 2, 3}},
+  };
+  for (const auto& [line, rows] : CASES) {
+    const search::T_KEPT_POINTS kept = search::DROP_REPEATED_POINTS(line);
+    EXPECT_EQ(std::vector(kept.SOURCE.begin(), kept.SOURCE.begin() + kept.COUNT), rows);
+    search::T_ORDINATES ordinates(static_cast<std::int32_t>(line.size()), 2);
+    for (std::int32_t i = 1; i <= std::ssize(line); ++i) ordinates(i, 2) = static_cast<real>(i);
+    search::DROP_ROWS(kept, ordinates);
+    for (std::int32_t i = 1; const std::int32_t row : rows)
+      EXPECT_EQ(ordinates(i++, 2), static_cast<real>(row));
+  }
+}
+
+/// Unit load u answers u in the first column and -10 u in the second.
+search::T_LOAD_ORD response(std::int32_t columns) {
+  search::T_LOAD_ORD LOAD_ORD;
+  LOAD_ORD.COLUMNS = columns;
+  LOAD_ORD.VALUES.RESIZE(columns, 8);
+  for (std::int32_t load = 1; load <= 8; ++load)
+    for (std::int32_t column = 1; column <= columns; ++column)
+      LOAD_ORD.VALUES(column, load) = static_cast<real>(column == 1 ? load : -10 * load);
+  return LOAD_ORD;
+}
+
+/// The rows of the first column, 0 behind them.
+void expect_rows(const search::T_ORDINATES& ordinates, std::vector<real> rows) {
+  rows.resize(static_cast<std::size_t>(ordinates.POINTS()));
+  for (std::int32_t i = 1; const real value : rows) {
+    EXPECT_EQ(ordinates(i, 1), value) << i;
+    EXPECT_EQ(ordinates(i++, ordinates.COLUMNS()), ordinates.COLUMNS() == 2 ? -10 * value : value);
+  }
+}
+
+TEST(ordinates, entries_are_averaged_links_add_and_the_impact_scales_its_point) {
+  for (const std::int32_t columns : {1, 2}) {
+    search::T_LANE lane;
+    lane.LANE_STATIONS = lane.N_TRANSVERSE = 2;
+    lane.N_PER_PLANE = 1;
+    lane.POINT_IMPACT = {0, 0.25};
+    lane.SPREAD_TABLE = {{2, {3, 5, 8}, {0.5, 0.25, 9}}, {0, {8}, {9}}};
+    lane.LANE_LINKS.RESIZE(2, 2, 2);
+    for (const std::int32_t entry : {1, 2}) lane.LANE_LINKS(1, entry, 1) = {1.5, 4};
+    lane.LANE_LINKS(1, 1, 2) = {2.0, 1};
+    lane.LANE_LINKS(2, 1, 2) = {1.0, 6};
+    search::T_ORDINATES ordinates(3, columns);
+    ordinates(3, 1) = 99;  // cleared first
+    search::LANE_ORDINATES(lane, response(columns), ordinates);
+    expect_rows(ordinates, {1.5F * 4, 0.5F * (2 + 6) * 1.25F});
+
+    // A spread row's own weights stand in place of the link's; a row of no pairs adds nothing.
+    lane.LANE_LINKS(2, 2, 1) = {77, -1};
+    lane.LANE_LINKS(2, 1, 1) = {77, -2};
+    search::LANE_ORDINATES(lane, response(columns), ordinates);
+    expect_rows(ordinates, {1.5F * 4 + 0.5F * (0.5F * 3 + 0.25F * 5), 0.5F * (2 + 6) * 1.25F});
+
+    // Planes of one entry each; the third has none.
+    std::vector<search::T_ORDINATES> planes(3, ordinates);
+    search::PLANE_ORDINATES(lane, response(columns), planes);
+    expect_rows(planes[0], {1.5F * 4, (2 + 6) * 1.25F});
+    expect_rows(planes[1], {1.5F * 4 + 0.5F * 3 + 0.25F * 5});
+    expect_rows(planes[2], {});
+  }
+}
+
+TEST(ordinates, of_a_class_definition_hold_its_weights_whole_and_end_with_lane_or_definition) {
+  // Three points of two entries: unit load p with weight e, and one share of load 8 more at the first.
+  search::T_CLASS_DEFINITION definition{
+      .N_POINTS = 3, .N_ENTRIES = 2, .CLASS_LINKS = {{8, 0.5F}}, .FIRST_SHARE = {0}};
+  for (std::int32_t share = 2; share <= 7; ++share) {
+    definition.CLASS_LINKS.push_back({share / 2, static_cast<real>(share % 2 + 1)});
+    definition.FIRST_SHARE.push_back(definition.CLASS_LINKS.size());
+  }
+  for (const std::int32_t columns : {1, 2}) {
+    search::T_ORDINATES ordinates(5, columns);
+    definition.N_PER_PLANE = 1;
+    search::CLASS_ORDINATES(definition, 2, response(columns), ordinates);
+    expect_rows(ordinates, {1 + 4 + 2, 2 + 4});
+    search::CLASS_ORDINATES(definition, 4, response(columns), ordinates);
+    expect_rows(ordinates, {1 + 4 + 2, 2 + 4, 3 + 6});
+    std::vector<search::T_ORDINATES> planes(3, ordinates);
+    for (const std::int32_t per_plane : {1, 2}) {
+      definition.N_PER_PLANE = per_plane;
+      search::CLASS_PLANES(definition, 4, response(columns), planes);
+      const bool one = per_plane == 1;
+      expect_rows(planes[0], one ? std::vector<real>{5, 2, 3} : std::vector<real>{3.5F, 3, 4.5F});
+      expect_rows(planes[1], one ? std::vector<real>{2, 4, 6} : std::vector<real>{});
+      expect_rows(planes[2], {});
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kernel

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Fails unless the library exports just the names of its version script.
+# Usage: check_exports.sh LIBRARY VERSION_SCRIPT
+set -euo pipefail
+library=$1
+version_script=$2
+
+diff --label "named in $(basename "$version_script")" --label "exported by $(basename "$library")" -u \
+  <(sed -n '/global:/,/local:/s/^ *\([A-Za-z_0-9]*\);.*/\1/p' "$version_script" | LC_ALL=C sort) \
+  <(nm --dynamic --defined-only --format=posix "$library" | cut -d ' ' -f 1 | LC_ALL=C sort)

@@ -1,0 +1,195 @@
+// The library's HB searches against the judge on random lanes: every value, record and list, bit for bit.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tests/search/random_lines.h"
+
+namespace {
+
+constexpr std::uint64_t N_CASES = 10000;  // each in both layouts
+
+struct T_FORM {
+  const char* NAME;
+  plain::HB_RESULT (*JUDGE)(const plain::HB_TASK&, plain::HB_WORK&);
+  search::HB_SEARCH* LIBRARY[2][2];  // by multi and layout
+  bool BY_PARENT;
+};
+using namespace search;
+constexpr T_FORM FORMS[] = {
+    {"HB_LANE", plain::HB_LANE, {{HB_LANE, HB_LANE_JUMP}, {HB_LANE_MULTI, HB_LANE_MULTI_JUMP}}, false},
+    {"HB_STRADDLE_SUM",
+     plain::HB_STRADDLE_SUM,
+     {{HB_STRADDLE_SUM, HB_STRADDLE_SUM_JUMP}, {HB_STRADDLE_SUM_MULTI, HB_STRADDLE_SUM_MULTI_JUMP}},
+     false},
+    {"HB_STRADDLE_THIRD",
+     plain::HB_STRADDLE_THIRD,
+     {{HB_STRADDLE_THIRD, HB_STRADDLE_THIRD_JUMP}, {HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_THIRD_MULTI_JUMP}},
+     true}};
+
+/// A result field by field, reals as their bits.
+struct T_FIELD {
+  const char* NAME;
+  int VALUE;
+  bool operator==(const T_FIELD& other) const { return VALUE == other.VALUE; }
+};
+using FIELDS = std::vector<T_FIELD>;
+
+template <class RECORD>
+void add_record(FIELDS& fields, const RECORD& record, const std::vector<int>& numbers) {
+  const FIELDS own{{"W_MILLI", record.W_MILLI},
+                   {"LOADED_COUNT", record.LOADED_COUNT},
+                   {"HB_TYPE", record.HB_TYPE},
+                   {"HB_POSITION", record.HB_POSITION},
+                   {"HB_CODE", record.HB_CODE},
+                   {"NUMBERED", record.NUMBERED},
+                   {"length of a list", static_cast<int>(numbers.size())}};
+  fields.insert(fields.end(), own.begin(), own.end());
+  for (const int number : numbers) fields.push_back({"range number", number});
+}
+
+FIELDS fields_of(const T_SEARCH_RESULT& result) {
+  FIELDS fields;
+  for (const T_SIDE_RESULT& side : result) {
+    fields.push_back({"VALUE", std::bit_cast<int>(side.VALUE)});
+    fields.push_back({"PASS_REC", side.PASS_REC});
+    add_record(fields, side.HB_REC, side.INFL_REC);
+    for (const std::size_t parent : {0U, 1U})
+      add_record(fields, side.HB_REC_PLANES[parent], side.INFL_REC_PLANES[parent]);
+  }
+  return fields;
+}
+
+FIELDS fields_of(const plain::HB_RESULT& result, bool by_parent) {
+  const plain::HB_PART none;
+  FIELDS fields;
+  for (const plain::HB_SIDE& side : result) {
+    fields.push_back({"VALUE", std::bit_cast<int>(side.VALUE)});
+    fields.push_back({"PASS_REC", side.PASS_REC});
+    const plain::HB_PART& own = by_parent ? none : side.PARTS[0];
+    add_record(fields, own, own.NUMBERS);
+    for (const plain::HB_PART& part : side.PARTS)
+      add_record(fields, by_parent ? part : none, by_parent ? part.NUMBERS : none.NUMBERS);
+  }
+  return fields;
+}
+
+/// What the random lanes have reached, so that a change of the generator can't quietly lose what it is there
+/// for.
+struct T_SEEN {
+  int types[6] = {};  // kept; 0 where there is none
+  int passes[3] = {};
+  int second_full = 0, no_plane = 0, later_plane = 0;
+  int over_100_ranges = 0, list_full = 0, near_inside = 0;
+
+  void count(const plain::HB_RESULT& result, bool straddling, bool by_parent) {
+    for (const plain::HB_SIDE& side : result) {
+      const plain::HB_PART& part = side.PARTS[0];
+      ++types[part.HB_TYPE];
+      ++passes[side.PASS_REC];
+      const int code = by_parent ? part.HB_CODE / 10 : part.HB_CODE;
+      second_full += by_parent && side.PASS_REC != 0 && part.HB_CODE % 10 == 0;
+      no_plane += straddling && side.PASS_REC != 0 && code == 0;
+      later_plane += straddling && code % 100 > 1;
+      over_100_ranges += part.NUMBERED > 100;
+      list_full += part.LOADED_COUNT == 500;
+    }
+  }
+};
+
+/// The first difference of a form on a task, empty where there is none. All forms share their work arrays.
+std::string difference(const T_FORM& form, const plain::HB_TASK& task, bool multi, int behind, T_SEEN& seen) {
+  static T_HB_WORK work;
+  static plain::HB_WORK judge_work;
+  const std::size_t planes = form.JUDGE == plain::HB_LANE ? 1 : task.SETS[0].size();
+  const T_SEARCH_RESULT result =
+      SEARCH_HB(form.LIBRARY[multi ? 1 : 0][task.JUMP_LAYOUT ? 1 : 0], task, planes, behind, work);
+  const plain::HB_RESULT judged = form.JUDGE(task, judge_work);
+  seen.count(judged, form.JUDGE != plain::HB_LANE, form.BY_PARENT);
+  const FIELDS fields = fields_of(result);
+  const FIELDS should = fields_of(judged, form.BY_PARENT);
+  const auto [is, wanted] = std::mismatch(fields.begin(), fields.end(), should.begin(), should.end());
+  if (is == fields.end() && wanted == should.end()) return {};
+  std::string text = std::string(form.NAME) + (multi ? "_MULTI" : "") + (task.JUMP_LAYOUT ? "_JUMP" : "") +
+                     ": field " + std::to_string(is - fields.begin());
+  if (is == fields.end() || wanted == should.end()) return text + ", lists of different length";
+  return text + ", " + is->NAME + " is " + std::to_string(is->VALUE) + " and should be " + wanted->NAME +
+         " " + std::to_string(wanted->VALUE) + " (values as bits)";
+}
+
+TEST(hb_bitwise, all_twelve_searches_equal_the_plain_steps) {
+  T_SEEN seen;
+  for (std::uint64_t seed = 1; seed <= N_CASES; ++seed) {
+    const RANDOM_HB_CASE c = MAKE_RANDOM_HB_CASE(seed);
+    for (const float x : c.SIMPLE.X) seen.near_inside += (x + HB_CLEAR) - HB_CLEAR != x;
+    const bool multi = c.SIMPLE.SETS.size() > 1 || seed % 4 == 0;
+    for (const T_FORM& form : FORMS) {
+      for (const plain::HB_TASK* task : {&c.SIMPLE, &c.JUMP}) {
+        const std::string text = difference(form, *task, multi, seed % 3 == 0 ? 2 : 0, seen);
+        ASSERT_TRUE(text.empty()) << "seed " << seed << ", " << c.KIND << "\n" << text;
+      }
+    }
+  }
+  for (const int kept : seen.types) EXPECT_GT(kept, 1000);
+  for (const int kept : seen.passes) EXPECT_GT(kept, 5000);
+  EXPECT_GT(seen.second_full, 1000);
+  EXPECT_GT(seen.no_plane, 1000);
+  EXPECT_GT(seen.later_plane, 1000);
+  EXPECT_GT(seen.over_100_ranges, 50);
+  EXPECT_GT(seen.list_full, 5);
+  EXPECT_GT(seen.near_inside, 10000);
+}
+
+// The judge has the steps of a placement once more, without allocations. They keep to those of the lane search.
+void equal(const std::array<plain::PREFIX, 2>& prefixes, const plain::HA_RESULT& judged,
+           const std::array<plain::RANKED_RANGES, 2>& ranges) {
+  for (const std::size_t side : {0U, 1U}) {
+    const plain::HA_SIDE& should = side == 0 ? judged.MAX : judged.MIN;
+    ASSERT_EQ(std::bit_cast<int>(prefixes[side].VALUE), std::bit_cast<int>(should.VALUE));
+    ASSERT_EQ(prefixes[side].W_MILLI, should.W_MILLI);
+    ASSERT_EQ(prefixes[side].LOADED_COUNT, should.LOADED_COUNT);
+    ASSERT_TRUE(std::equal(should.NUMBERS.begin(), should.NUMBERS.end(), ranges[side].NUMBER.begin()));
+  }
+}
+
+TEST(hb_bitwise, steps_of_a_placement_equal_those_of_the_lane_search) {
+  plain::HB_WORK work;
+  for (std::uint64_t seed = 1; seed <= 2000 && !HasFatalFailure(); ++seed) {
+    const RANDOM_CASE c = MAKE_RANDOM_CASE(seed);
+    SCOPED_TRACE("seed " + std::to_string(seed) + ", " + c.KIND);
+    for (const plain::LINE* lines : {c.SIMPLE, c.JUMP}) {
+      const auto columns = [](const plain::LINE& line) {
+        return plain::VIEW{line.n(), line.JUMP_LAYOUT, line.X.values.data(), line.BEFORE.values.data(),
+                           line.AFTER.values.data()};
+      };
+      const plain::VIEW a = columns(lines[0]);
+      work.MAKE_ROOM(lines[0].X.values.size());
+      for (const float probe : c.PROBES) {
+        const plain::ORDINATE at = plain::ORDINATE_AT(probe, a);
+        const plain::ORDINATE should = plain::ORDINATE_AT(probe, lines[0]);
+        ASSERT_EQ(std::bit_cast<int>(at.UPPER), std::bit_cast<int>(should.UPPER));
+        ASSERT_EQ(std::bit_cast<int>(at.LOWER), std::bit_cast<int>(should.LOWER));
+      }
+      for (const auto& [far_end, near_end, L] : c.ZONES) {
+        const plain::ZONE_PLACE zone = plain::LOCATE_ZONE(far_end, near_end, lines[0]);
+        const plain::ZONE_PLACE again = plain::LOCATE_ZONE(far_end, near_end, a);
+        ASSERT_EQ(std::memcmp(&zone, &again, sizeof zone), 0);
+        const auto one = plain::HA_SEARCH_ZONE(a, c.CURVE, zone, L, work);
+        equal(one[0], plain::HA_SEARCH_ZONE(lines[0], c.CURVE, zone, L), work.RANGES[0]);
+        const auto two = plain::HA_SEARCH_ZONE_PAIR(a, columns(lines[1]), c.CURVE, zone, L, work);
+        const auto pair = plain::HA_SEARCH_ZONE_PAIR(lines[0], lines[1], c.CURVE, zone, L);
+        equal(two[0], pair.A, work.RANGES[0]);
+        equal(two[1], pair.B, work.RANGES[1]);
+      }
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+// Trimming of the reported ranges: worked by hand for a zone from 30 to 60, and against the judge.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <string>
+#include <vector>
+
+#include "search/trimming.h"
+#include "tests/search/random_lines.h"
+
+namespace {
+
+using PAIRS = std::vector<std::array<float, 2>>;
+using NUMBERS = std::vector<std::int32_t>;
+
+search::T_REPORTED_RANGES ranges_of(const PAIRS& pairs, NUMBERS numbers) {
+  search::T_REPORTED_RANGES ranges;
+  std::copy(pairs.begin(), pairs.end(), ranges.PAIRS.begin());
+  ranges.NO_LOADED_RANGE = static_cast<std::int32_t>(numbers.size());
+  numbers.resize(search::MAX_LOADED);
+  ranges.NUMBERS = std::move(numbers);
+  return ranges;
+}
+
+/// All ranges are loaded. Of the pairs the first five and the last must be as told, of the numbers the first
+/// five; the rest is 0.
+void expect_trimmed(const PAIRS& pairs, PAIRS trimmed, std::array<float, 2> far_piece, NUMBERS numbers,
+                    int loaded) {
+  NUMBERS all(pairs.size());
+  for (std::size_t r = 0; r < all.size(); ++r) all[all.size() - 1 - r] = static_cast<std::int32_t>(r) + 1;
+  auto ranges = ranges_of(pairs, all);
+  search::TRIM_LOADED_RANGES(60, 30, ranges);
+  trimmed.resize(5);
+  EXPECT_EQ(PAIRS(ranges.PAIRS.begin(), ranges.PAIRS.begin() + 5), trimmed);
+  EXPECT_EQ(ranges.PAIRS.back(), far_piece);
+  numbers.resize(5);
+  EXPECT_EQ(NUMBERS(ranges.NUMBERS.begin(), ranges.NUMBERS.begin() + 5), numbers);
+  EXPECT_EQ(ranges.NO_LOADED_RANGE, loaded);
+}
+
+TEST(trimming, cuts_the_ends_that_reach_into_the_zone) {
+  // A gap inside the zone is bridged first, so of two ranges at the zone only one may reach into it.
+  expect_trimmed({{10, 40}, {70, 90}}, {{10, 30}, {70, 90}}, {0, 0}, {1, 2}, 2);
+  expect_trimmed({{10, 20}, {40, 90}}, {{10, 20}, {60, 90}}, {0, 0}, {1, 2}, 2);
+  expect_trimmed({{10, 20}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2}, 2);
+}
+
+TEST(trimming, a_zone_inside_a_range_splits_it_and_the_far_piece_is_number_100) {
+  expect_trimmed({{10, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 100}, 3);
+}
+
+TEST(trimming, ranges_joined_across_the_zone_are_split_as_one) {
+  // Three ranges become two, yet the count of loaded ones only grows by the far piece.
+  expect_trimmed({{10, 40}, {50, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 0, 100}, 4);
+  // Ends exactly at the zone are bridged too.
+  expect_trimmed({{10, 30}, {60, 90}}, {{10, 30}}, {60, 90}, {1, 0, 100}, 3);
+}
+
+TEST(trimming, a_range_inside_the_zone_leaves_and_the_numbers_stay) {
+  expect_trimmed({{10, 20}, {35, 50}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3);
+  // The same where it starts at the near end or ends at the far end.
+  expect_trimmed({{10, 20}, {30, 50}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3);
+  expect_trimmed({{10, 20}, {35, 60}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3);
+}
+
+TEST(trimming, merging_alone_sorts_the_numbers_and_leaves_each_once) {
+  auto ranges = ranges_of({{10, 20}, {70, 90}, {100, 110}}, {3, 1, 3});
+  search::MERGE_LOADED_RANGES(60, 30, ranges);
+  EXPECT_EQ(NUMBERS(ranges.NUMBERS.begin(), ranges.NUMBERS.begin() + 4), (NUMBERS{1, 3, 0, 0}));
+  EXPECT_EQ(ranges.NO_LOADED_RANGE, 3);
+}
+
+TEST(trimming, equals_the_plain_steps_on_random_lists) {
+  int splits = 0;
+  int changed = 0;
+  for (std::uint64_t seed = 1; seed <= 10000; ++seed) {
+    RANDOM random(seed);
+    plain::REPORTED judged;
+    search::T_REPORTED_RANGES ranges;
+    ranges.NUMBERS.resize(search::MAX_LOADED);
+    // Ends on a coarse grid, so that those of ranges and zones often meet; sometimes in no order.
+    const int count = random.one_in(20) ? random.between(95, 100) : random.below(8);
+    const float grid = random.one_in(2) ? 1.0F : 0.1F;
+    const bool ordered = !random.one_in(8);
+    int place = random.below(3);
+    for (std::size_t r = 0; r < static_cast<std::size_t>(count); ++r) {
+      for (const std::size_t end : {0U, 1U}) {
+        place = ordered ? place + random.below(5) : random.below(60);
+        judged.FLAT[2 * r + end] = ranges.PAIRS[r][end] = grid * static_cast<float>(place);
+      }
+    }
+    const int loaded = random.one_in(50) ? 499 : random.below(count + 2);
+    for (std::size_t j = 0; j < static_cast<std::size_t>(loaded); ++j)
+      judged.NUMBERS[j] = ranges.NUMBERS[j] = random.one_in(50) ? 100 : random.between(1, std::max(count, 1));
+    if (random.one_in(50)) judged.NUMBERS[7] = ranges.NUMBERS[7] = 900;  // of a line with as many ranges
+    judged.NO_LOADED_RANGE = ranges.NO_LOADED_RANGE = loaded;
+    const float near_end = grid * static_cast<float>(random.below(40));
+    const float far_end = near_end + grid * static_cast<float>(random.below(20));
+
+    const auto before = judged.FLAT;
+    const bool merge_alone = seed % 4 == 0;
+    (merge_alone ? plain::MERGE_LOADED_RANGES : plain::TRIM_LOADED_RANGES)(far_end, near_end, judged);
+    (merge_alone ? search::MERGE_LOADED_RANGES : search::TRIM_LOADED_RANGES)(far_end, near_end, ranges);
+    splits += judged.NO_LOADED_RANGE != loaded;
+    changed += judged.FLAT != before;
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    for (std::size_t r = 0; r < 100; ++r)
+      for (const std::size_t end : {0U, 1U})
+        ASSERT_EQ(std::bit_cast<int>(ranges.PAIRS[r][end]), std::bit_cast<int>(judged.FLAT[2 * r + end]))
+            << r;
+    ASSERT_TRUE(std::equal(ranges.NUMBERS.begin(), ranges.NUMBERS.end(), judged.NUMBERS.begin(),
+                           judged.NUMBERS.end()));
+    ASSERT_EQ(ranges.NO_LOADED_RANGE, judged.NO_LOADED_RANGE);
+  }
+  EXPECT_GT(splits, 500);
+  EXPECT_GT(changed, 5000);
+}
+
+}  // namespace

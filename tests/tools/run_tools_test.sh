@@ -1,0 +1,167 @@
+#!/usr/bin/env bash
+# Runs the command line program as a user does: writes the examples, looks into them, asks for envelopes, and makes the
+# usual mistakes.
+#
+# Usage: run_tools_test.sh MOVLOAD, the path of the program.
+set -euo pipefail
+movload=$(realpath "$1")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+faults=0
+
+fault() {
+  echo "FAILED: $1"
+  sed 's/^/  | /' out err
+  faults=$((faults + 1))
+}
+
+# What a call leaves in `out` and `err`, and its exit code.
+run() {
+  code=0
+  "$movload" "$@" >out 2>err || code=$?
+}
+
+# expect CODE [ARGUMENT...]: the program ends with that code; a failure gives a reason and, in a line of its own, advice.
+expect() {
+  local wanted=$1
+  shift
+  run "$@"
+  if [[ $code -ne $wanted ]]; then fault "movload $*: exit code $code, not $wanted"; fi
+  if [[ $wanted -ne 0 ]] && ! { grep -q '^movload: ' err && grep -q '^what to do: ' err; }; then
+    fault "movload $*: no reason or no advice"
+  fi
+}
+
+says() {
+  if ! grep -qF -- "$2" "$1"; then fault "'$2' isn't in $1"; fi
+}
+
+# json EXPRESSION: `out` is JSON, and the Python expression holds for it as `answer`.
+json() {
+  if ! python3 -c "import json, sys; answer = json.load(open('out')); sys.exit(0 if ($1) else 1)"; then
+    fault "JSON: not $1"
+  fi
+}
+
+# Help and version.
+expect 0 --version
+says out "movload "
+for command in example inspect envelope; do
+  expect 0 "$command" --help
+  says out "Example"
+done
+expect 0 --help
+says out "Exit codes"
+
+# The example bridge; every suggested command works.
+expect 0 example bridges/new
+says out "bridges/new/bridge.ZA3"
+grep '^  movload ' out >suggested
+while read -r _ arguments; do
+  # shellcheck disable=SC2086 # the arguments are words
+  expect 0 $arguments
+done <suggested
+expect 0 example bridges/new
+bridge=bridges/new/bridge
+
+expect 0 inspect $bridge
+says out "MVIF"
+says out "Moving load cases"
+says out "KEL 120 kN"
+says out "and 3 more; --all shows them"
+if [[ $(awk '{ if (length($0) > w) w = length($0) } END { print w }' out) -gt 100 ]]; then fault "inspect: too wide"; fi
+expect 0 inspect $bridge.ZA3 --json --all
+json "answer['counts']['lanes'] == 3 and len(answer['lanes']) == 3 and answer['failures'] == []"
+json "[c['combination_count'] for c in answer['moving_load_cases']] == [3, 3, 9, 6]"
+json "[len(c['combinations']) for c in answer['moving_load_cases']] == [3, 3, 9, 6]"
+json "answer['vehicles'][0]['ha']['p'] == 0.475 and answer['vehicles'][0]['hb']['axle_load'] == 450"
+json "{r['kind'] for r in answer['results']} == {'disp', 'reac', 'simb'}"
+
+expect 0 envelope $bridge --kind simb --id 3 --item 3 --case 1
+says out "MAXIMUM"
+says out "kN/m over"
+says out "KEL 120 kN at"
+if [[ $(awk '{ if (length($0) > w) w = length($0) } END { print w }' out) -gt 100 ]]; then fault "envelope: too wide"; fi
+
+# All three lanes are loaded on both sides, one of them by a third, and the deck lies from 80 to 150.
+expect 0 envelope $bridge --kind 12 --id 3 --item 3 --case 1 --json
+json "answer['maximum']['value'] > 0 > answer['minimum']['value']"
+json "sorted(round(l['factor'], 6) for l in answer['maximum']['lanes']) == [0.333333, 1, 1]"
+json "all(l['carries'] == 'HA' for s in ('maximum', 'minimum') for l in answer[s]['lanes'])"
+json "all(79.9 < r['start'] < r['end'] < 150.1 for s in ('maximum', 'minimum') for l in answer[s]['lanes'] for r in l['udl']['ranges'])"
+json "all(abs(l['kel']['distance'] - 115) < 1 for l in answer['maximum']['lanes'])"
+
+# A case with HB: either an HB is placed, or the user is told that none is.
+expect 0 envelope $bridge --kind simb --id 3 --item 3 --case 4 --json
+json "any(l['hb'] for s in ('maximum', 'minimum') for l in answer[s]['lanes']) == (answer['notes'] == [])"
+
+# By hand: w L^2 / 8 + 120 L / 4 with w = 30 at 25 m, and w L / 2 + 120.
+expect 0 example "a folder" --which span --span 25
+says out "3093.75"
+expect 0 envelope "a folder/span" --kind simb --id 1 --item 1 --case 1 --json
+json "abs(answer['maximum']['value'] - 3093.75) < 0.01 and answer['minimum']['value'] == 0"
+json "answer['maximum']['lanes'][0]['udl'] == {'intensity': 30.0, 'loaded_length': 25.0, 'ranges': [{'number': 1, 'start': 0.0, 'end': 25.0}]}"
+json "answer['maximum']['lanes'][0]['kel'] == {'load': 120.0, 'point': 26, 'distance': 12.5}"
+json "not answer['minimum']['governed']"
+expect 0 envelope "a folder/span" --kind simb --id 1 --item 2 --case 1 --json
+json "abs(answer['maximum']['value'] - 495) < 0.001"
+expect 0 example . --which two-span --span 20,30
+expect 0 envelope two_span --kind simb --id 1 --item 1 --case 1
+says out "no combination goes above 0"
+
+# A file of other contents stays.
+expect 1 example "a folder" --which span --span 30
+says err "--force"
+expect 0 example "a folder" --which span --span 30 --force
+
+# Wrong usage.
+expect 2
+expect 2 envelop
+expect 2 envelope $bridge
+expect 2 envelope $bridge --kind 7 --id 1 --item 1 --case 1
+expect 2 envelope $bridge --kind disp --id one --item 1 --case 1
+expect 2 example . --which tunnel
+expect 2 example . --span 30
+expect 2 inspect $bridge --analysis-code 9
+
+# Questions that fail, and questions beyond the files.
+expect 1 inspect bridges/new/brigde
+says err "In that folder: bridge.ZA3"
+expect 1 envelope $bridge --kind disp --id 1 --item 9 --case 1
+says err "RESULT_ITEM is 9, outside 1 to 6"
+expect 1 envelope $bridge --kind elink --id 1 --item 1 --case 1
+says err "block ELNK"
+expect 1 envelope "$(printf 'x/%.0s' {1..140})model" --kind disp --id 1 --item 1 --case 1
+expect 0 envelope $bridge --kind reac --id 6 --item 3 --case 1
+says err "the files hold no reac 6"
+expect 0 envelope $bridge --kind disp --id 1 --item 3 --case 5
+says err "the files hold no moving load case 5"
+expect 0 envelope $bridge --kind ldisp --id 1 --item 3 --case 1 --json
+json "answer['searched'] is False and answer['maximum']['value'] is None"
+
+# Damaged files: what can be read is shown.
+head -c 40000 $bridge.ZA3 >cut.YA3
+expect 1 inspect cut
+says out "Vehicles"
+says err "block LNIF"
+expect 1 inspect cut --json
+json "answer['analysis_code'] == 1 and answer['lanes'] is None and len(answer['failures']) > 0"
+expect 1 envelope cut --kind disp --id 1 --item 3 --case 1
+says err "block LNIF: record"
+echo "no model" >text.ZA3
+expect 1 inspect text
+mkdir folder.ZA3
+expect 1 inspect folder
+
+# Output that can't be written is a failure too.
+if [[ -c /dev/full ]]; then
+  code=0
+  "$movload" inspect $bridge >/dev/full 2>err || code=$?
+  if [[ $code -ne 1 ]]; then fault "a full disk goes unnoticed"; fi
+fi
+
+if [[ $faults -gt 0 ]]; then
+  echo "$faults faults"
+  exit 1
+fi

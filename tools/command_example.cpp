@@ -1,0 +1,224 @@
+#include "tools/command_example.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "modelkit/example_bridge.h"
+#include "modelkit/example_span.h"
+#include "modelkit/model_writer.h"
+#include "tools/progress.h"
+#include "tools/result_points.h"
+#include "tools/text_layout.h"
+#include "tools/tool_failure.h"
+
+namespace tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct T_EXAMPLE_OPTIONS {
+  std::string folder;
+  std::string which = "bridge";
+  std::vector<double> spans;
+  bool force = false;
+};
+
+/// One command to try on an example.
+struct T_SUGGESTION {
+  std::string meaning;
+  std::string kind;
+  int id = 0;
+  int item = 0;
+};
+
+struct T_EXAMPLE_FILES {
+  std::string stem;
+  std::string title;
+  modelkit::T_MODEL model;
+  std::vector<T_SUGGESTION> suggestions;
+};
+
+T_EXAMPLE_FILES bridge() {
+  modelkit::T_EXAMPLE example = modelkit::EXAMPLE_BRIDGE();
+  T_EXAMPLE_FILES files;
+  files.stem = "bridge";
+  files.title = example.title;
+  for (std::size_t mv_case = 0; mv_case < example.case_names.size(); ++mv_case)
+    files.title += fmt::format("\n  moving load case {}: {}", mv_case + 1, example.case_names[mv_case]);
+  for (const modelkit::T_NAMED_RESULT& result : example.results) {
+    const T_KIND* kind = FIND_KIND(std::to_string(result.kind));
+    files.suggestions.push_back({fmt::format("{}, in {}", result.name, result.unit), std::string(kind->name),
+                                 result.id, result.item});
+  }
+  files.model = std::move(example.model);
+  return files;
+}
+
+/// The midspan moment under HA: the UDL over the whole span and the knife edge at its middle.
+double moment_by_hand(double span) {
+  const modelkit::T_VEHICLE vehicle = modelkit::HA_1978_VEHICLE();
+  const double full_intensity_up_to = vehicle.geometry[0];
+  const double falling = vehicle.ha_k * std::pow(1.0 / span, vehicle.ha_p);
+  const double w = std::max(span <= full_intensity_up_to ? vehicle.ha_w0 : falling, vehicle.ha_wmin);
+  return w * span * span / 8.0 + vehicle.loads[0] * span / 4.0;
+}
+
+T_EXAMPLE_FILES simple_span(double span) {
+  T_EXAMPLE_FILES files;
+  files.stem = "span";
+  files.title = fmt::format("Simply supported span of {} m, one lane under HA", span);
+  files.model = modelkit::SIMPLE_SPAN_MODEL(span);
+  files.suggestions = {{fmt::format("moment at midspan, in kNm; by hand {:.2f}", moment_by_hand(span)),
+                        "simb", 1, modelkit::SPAN_MIDSPAN_MOMENT},
+                       {"shear at the lane's start, in kN", "simb", 1, modelkit::SPAN_END_SHEAR}};
+  return files;
+}
+
+T_EXAMPLE_FILES two_spans(double first, double second) {
+  T_EXAMPLE_FILES files;
+  files.stem = "two_span";
+  files.title =
+      fmt::format("Continuous beam over two spans of {} and {} m, one lane under HA", first, second);
+  files.model = modelkit::TWO_SPAN_MODEL(first, second);
+  files.suggestions = {
+      {"moment over the inner support, in kNm", "simb", 1, modelkit::TWO_SPAN_SUPPORT_MOMENT},
+      {"moment at the middle of the first span, in kNm", "simb", 1, modelkit::TWO_SPAN_FIRST_MOMENT},
+      {"reaction of the inner support, in kN", "simb", 1, modelkit::TWO_SPAN_INNER_REACTION}};
+  return files;
+}
+
+T_EXAMPLE_FILES make_example(const T_EXAMPLE_OPTIONS& options) {
+  const auto span = [&](std::size_t place, double usual) {
+    return place < options.spans.size() ? options.spans[place] : usual;
+  };
+  if (options.which == "span") return simple_span(span(0, 25.0));
+  if (options.which == "two-span") return two_spans(span(0, 20.0), span(1, 30.0));
+  return bridge();
+}
+
+std::string contents(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Writes beside the file's place and then moves there, so that a file of other contents is never lost.
+fs::path write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTIONS& options) {
+  const fs::path folder(options.folder);
+  const std::string extension = modelkit::FILE_EXTENSION(0);
+  fs::path target = folder / (files.stem + extension);
+  const fs::path new_base = folder / (files.stem + ".new");
+  const fs::path new_file = folder / (files.stem + ".new" + extension);
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) {
+    throw T_TOOL_FAILURE(fmt::format("{}: the folder can't be made: {}", options.folder, error.message()),
+                         "name a folder in which you may write");
+  }
+  try {
+    modelkit::WRITE_MODEL(files.model, new_base.string());
+  } catch (const std::runtime_error& failure) {
+    fs::remove(new_file, error);
+    throw T_TOOL_FAILURE(failure.what(), "name a folder in which you may write, with room on its disk");
+  }
+  const bool is_other = fs::exists(target, error) && contents(target) != contents(new_file);
+  if (is_other && !options.force) {
+    fs::remove(new_file, error);
+    throw T_TOOL_FAILURE(
+        fmt::format("{}: there is already a file of this name, with other contents", target.string()),
+        "name another folder, or add --force to replace the file");
+  }
+  fs::rename(new_file, target, error);
+  if (error) {
+    const std::string reason = error.message();
+    fs::remove(new_file, error);
+    throw T_TOOL_FAILURE(fmt::format("{}: the file can't be put there: {}", target.string(), reason),
+                         "name another folder");
+  }
+  return target;
+}
+
+/// A word of a command line, in quotes where it needs them.
+std::string shell_word(const std::string& text) {
+  constexpr std::string_view PLAIN =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+:,@%";
+  if (text.find_first_not_of(PLAIN) == std::string::npos) return text;
+  std::string quoted = "'";
+  for (const char character : text) quoted += character == '\'' ? "'\\''" : std::string(1, character);
+  return quoted + "'";
+}
+
+void run(const T_EXAMPLE_OPTIONS& options) {
+  T_EXAMPLE_FILES files;
+  fs::path file;
+  {
+    const T_PROGRESS progress("working out the example's responses");
+    files = make_example(options);
+    file = write_files(files, options);
+  }
+  const std::string base = shell_word((file.parent_path() / files.stem).string());
+  std::string text = fmt::format("{}\n\nWritten: {} ({} bytes)\n\nTo try next:\n  movload inspect {}\n\n",
+                                 files.title, file.string(), fs::file_size(file), base);
+  for (const T_SUGGESTION& suggestion : files.suggestions) {
+    text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case 1\n",
+                        suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item);
+  }
+  PRINT(text);
+}
+
+/// Spans go with the examples that have them: none with the bridge, one or two with the others.
+void check_spans(const T_EXAMPLE_OPTIONS& options) {
+  const std::size_t most = options.which == "bridge" ? 0 : options.which == "span" ? 1 : 2;
+  if (options.spans.size() > most) {
+    throw CLI::ValidationError("--span",
+                               fmt::format("the example '{}' takes {} length{}", options.which,
+                                           most == 0 ? "no" : std::to_string(most), most == 1 ? "" : "s"));
+  }
+}
+
+}  // namespace
+
+void ADD_EXAMPLE_COMMAND(CLI::App& program) {
+  const auto options = std::make_shared<T_EXAMPLE_OPTIONS>();
+  CLI::App& command = *program.add_subcommand("example", "Write the files of a model to try the program on");
+  command.add_option("DIR", options->folder, "Folder for the files; made where there is none")
+      ->type_name("")
+      ->required();
+  command
+      .add_option("--which", options->which,
+                  "bridge: three spans, five beams, three lanes;\n"
+                  "span: one simple span; two-span: two continuous spans")
+      ->check(CLI::IsMember({"bridge", "span", "two-span"}))
+      ->type_name("NAME")
+      ->capture_default_str();
+  command
+      .add_option("--span", options->spans,
+                  "Length of the span in m (25), or of two spans with a comma (20,30)")
+      ->delimiter(',')
+      ->expected(1, 2)
+      ->check(CLI::Range(1.0, 1000.0))
+      ->type_name("METRES");
+  command.add_flag("--force", options->force, "Replace a file of the same name that has other contents");
+  command.footer(
+      "Examples:\n"
+      "  movload example demo                          writes demo/bridge.ZA3\n"
+      "  movload example demo --which span --span 50   writes demo/span.ZA3");
+  command.callback([options] {
+    check_spans(*options);
+    run(*options);
+  });
+}
+
+}  // namespace tools

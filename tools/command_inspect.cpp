@@ -1,0 +1,60 @@
+#include "tools/command_inspect.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <memory>
+
+#include "tools/inspection.h"
+#include "tools/inspection_report.h"
+#include "tools/model_options.h"
+#include "tools/progress.h"
+#include "tools/text_layout.h"
+#include "tools/tool_failure.h"
+
+namespace tools {
+namespace {
+
+struct T_INSPECT_OPTIONS {
+  T_MODEL_OPTIONS model;
+  bool all = false;
+  bool json = false;
+};
+
+T_INSPECTION inspect(const T_INSPECT_OPTIONS& options) {
+  constexpr std::int32_t FIRST_FEW = 6;
+  const T_MODEL_FILE file = options.model.FIND_FILE();
+  const T_PROGRESS progress("reading " + file.file_name);
+  return INSPECT(file, options.all ? std::numeric_limits<std::int32_t>::max() : FIRST_FEW);
+}
+
+/// What could be read is shown also where something couldn't; the command fails afterwards.
+void run(const T_INSPECT_OPTIONS& options) {
+  const T_INSPECTION inspection = inspect(options);
+  PRINT(options.json ? INSPECTION_JSON(inspection) : INSPECTION_TEXT(inspection));
+  if (inspection.failures.empty()) return;
+  for (std::size_t i = 0; i + 1 < inspection.failures.size(); ++i)
+    fmt::print(stderr, "movload: {}\n", inspection.failures[i]);
+  throw T_TOOL_FAILURE(inspection.failures.back(), ADVICE_FOR(inspection.failures.back()));
+}
+
+}  // namespace
+
+void ADD_INSPECT_COMMAND(CLI::App& program) {
+  const auto options = std::make_shared<T_INSPECT_OPTIONS>();
+  CLI::App& command = *program.add_subcommand(
+      "inspect", "Show what a model's files hold: lanes, vehicles, load cases, results");
+  ADD_MODEL_OPTIONS(command, options->model);
+  command.add_flag("--all", options->all, "Show every combination, not the first six of each case");
+  command.add_flag("--json", options->json, "Print JSON, for programs");
+  command.footer(
+      "Example:\n"
+      "  movload example demo\n"
+      "  movload inspect demo/bridge");
+  command.callback([options] { run(*options); });
+}
+
+}  // namespace tools

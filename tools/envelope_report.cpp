@@ -1,0 +1,247 @@
+#include "tools/envelope_report.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "tools/text_layout.h"
+
+namespace tools {
+namespace {
+
+using nlohmann::ordered_json;
+using T_LINES = std::vector<std::string>;
+
+// ---------------------------------------------------------------------------------------------------- text
+
+constexpr std::size_t LABEL_WIDTH = 10;
+constexpr std::size_t SIDE_WIDTH = 44;
+constexpr std::size_t GAP = TEXT_WIDTH - LABEL_WIDTH - 2 * SIDE_WIDTH;
+
+constexpr std::string_view NO_DISTANCE = "(*)";
+constexpr std::string_view NO_DISTANCE_MEANING =
+    "(*) Without distances of its own: ranges that meet in a point at 0 have them together.\n";
+
+std::string distance_text(double distance) {
+  return fmt::format("{:.3f}", distance);
+}
+
+/// " at 115.000 (point 73)"
+std::string place_text(const T_PLACE& place) {
+  return place.distance ? fmt::format(" at {} (point {})", distance_text(*place.distance), place.point)
+                        : fmt::format(" at point {}", place.point);
+}
+
+/// The loaded ranges as they follow each other along the lane.
+T_LINES range_lines(const T_HA_UDL& udl) {
+  constexpr std::size_t INDENT = 4;
+  std::vector<T_LOADED_RANGE> ranges = udl.ranges;
+  std::ranges::stable_sort(ranges, {}, &T_LOADED_RANGE::start);
+  std::vector<std::string> pieces;
+  pieces.reserve(ranges.size());
+  for (const T_LOADED_RANGE& range : ranges) {
+    pieces.push_back(range.has_distance
+                         ? fmt::format("{} to {}", distance_text(range.start), distance_text(range.end))
+                         : fmt::format("range {} {}", range.number, NO_DISTANCE));
+  }
+  T_LINES lines = WRAP(pieces, ", ", SIDE_WIDTH - INDENT);
+  for (std::string& line : lines) line.insert(0, INDENT, ' ');
+  return lines;
+}
+
+void append_loading(T_LINES& lines, const T_LOADING& loading, PASS pass) {
+  if (loading.hb) {
+    const std::string_view direction = pass == PASS::REVERSE ? ", reverse" : ", forward";
+    lines.push_back(fmt::format("HB  type {}{}{}", loading.hb->type, place_text(loading.hb->place),
+                                pass == PASS::NONE ? "" : direction));
+  }
+  if (!loading.udl) return;
+  lines.push_back(fmt::format("UDL {:.3f} kN/m over {}", loading.udl->intensity,
+                              distance_text(loading.udl->loaded_length)));
+  const T_LINES ranges = range_lines(*loading.udl);
+  lines.insert(lines.end(), ranges.begin(), ranges.end());
+}
+
+T_LINES lane_lines(const T_LANE_SIDE& side, std::optional<double> kel_load) {
+  if (side.carries == CARRIES::NOTHING) return {"-"};
+  T_LINES lines{fmt::format("{}, factor {:.4f}", CARRIES_TEXT(side.carries), side.loading.factor)};
+  if (side.planes.empty()) {
+    append_loading(lines, side.loading, side.pass);
+  } else {
+    lines[0] = fmt::format("{}, factor {:.4f}", CARRIES_TEXT(side.carries), side.planes[0].factor);
+    for (std::size_t plane = 0; plane < side.planes.size(); ++plane) {
+      lines.emplace_back(plane == 0 ? "first plane:" : "second plane:");
+      append_loading(lines, side.planes[plane], side.pass);
+    }
+  }
+  if (side.kel) {
+    const std::string load = kel_load ? fmt::format("KEL {} kN", VALUE_TEXT(*kel_load)) : "KEL";
+    lines.push_back(load + place_text(*side.kel));
+  }
+  if (lines.size() == 1) {
+    lines.emplace_back("adds nothing on this side");
+  } else if (side.carries != CARRIES::HA) {
+    lines.push_back(
+        fmt::format("HA UDL portion {}, combination type {}", side.loading.portion, side.combination_type));
+  }
+  return lines;
+}
+
+/// A label and the two sides, each a block of lines of its own.
+std::string side_by_side(const T_LINES& label, const std::array<T_LINES, 2>& sides) {
+  const auto line_of = [](const T_LINES& lines, std::size_t at) {
+    return at < lines.size() ? lines[at] : std::string();
+  };
+  std::string text;
+  const std::size_t rows = std::max({label.size(), sides[MAXIMUM].size(), sides[MINIMUM].size()});
+  for (std::size_t row = 0; row < rows; ++row) {
+    std::string line =
+        fmt::format("{:<{}}{:<{}}{:{}}{}", line_of(label, row), LABEL_WIDTH, line_of(sides[MAXIMUM], row),
+                    SIDE_WIDTH, "", GAP, line_of(sides[MINIMUM], row));
+    line.erase(line.find_last_not_of(' ') + 1);
+    text += line + '\n';
+  }
+  return text;
+}
+
+bool is_in_files(const T_ENVELOPE_REPORT& report) {
+  return report.mv_case >= 1 && report.mv_case <= report.cases;
+}
+
+std::string rule() {
+  return std::string(TEXT_WIDTH, '-') + '\n';
+}
+
+std::array<T_LINES, 2> head_lines(const T_ENVELOPE_REPORT& report) {
+  std::array<T_LINES, 2> heads{T_LINES{"MAXIMUM  " + VALUE_TEXT(report.values[MAXIMUM])},
+                               T_LINES{"MINIMUM  " + VALUE_TEXT(report.values[MINIMUM])}};
+  for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
+    const std::int32_t vehicle_class = report.sides[side].vehicle_class;
+    const std::string& name = report.vehicle_names[side];
+    heads[side].push_back(
+        vehicle_class == 0
+            ? fmt::format("no combination goes {} 0", side == MAXIMUM ? "above" : "below")
+            : fmt::format("vehicle class {}{}{}", vehicle_class, name.empty() ? "" : ", ", name));
+  }
+  return heads;
+}
+
+T_LINES lane_label(const T_LANE_SIDE& side) {
+  T_LINES label{fmt::format("lane {}", side.lane)};
+  if (side.parents[0] != 0) label.push_back(fmt::format("({} and {})", side.parents[0], side.parents[1]));
+  return label;
+}
+
+// ---------------------------------------------------------------------------------------------------- JSON
+
+ordered_json place_json(const T_PLACE& place) {
+  ordered_json json{{"point", place.point}, {"distance", nullptr}};
+  if (place.distance) json["distance"] = *place.distance;
+  return json;
+}
+
+ordered_json udl_json(const T_HA_UDL& udl) {
+  ordered_json ranges = ordered_json::array();
+  for (const T_LOADED_RANGE& range : udl.ranges) {
+    ordered_json json{{"number", range.number}, {"start", nullptr}, {"end", nullptr}};
+    if (range.has_distance) {
+      json["start"] = range.start;
+      json["end"] = range.end;
+    }
+    ranges.push_back(std::move(json));
+  }
+  return {{"intensity", udl.intensity}, {"loaded_length", udl.loaded_length}, {"ranges", std::move(ranges)}};
+}
+
+/// UDL and HB of a record; null for what isn't there.
+void add_loading(ordered_json& json, const T_LOADING& loading) {
+  json["factor"] = loading.factor;
+  json["udl"] = loading.udl ? udl_json(*loading.udl) : ordered_json();
+  json["hb"] = nullptr;
+  if (loading.hb) {
+    json["hb"] = {{"type", loading.hb->type}};
+    json["hb"].update(place_json(loading.hb->place));
+  }
+  json["ha_udl_portion"] = loading.portion;
+}
+
+ordered_json lane_json(const T_LANE_SIDE& side, std::optional<double> kel_load) {
+  ordered_json json{{"lane", side.lane}, {"straddles", nullptr}, {"carries", CARRIES_TEXT(side.carries)}};
+  if (side.parents[0] != 0) json["straddles"] = side.parents;
+  add_loading(json, side.loading);
+  json["kel"] = nullptr;
+  if (side.kel) {
+    json["kel"] = {{"load", nullptr}};
+    if (kel_load) json["kel"]["load"] = *kel_load;
+    json["kel"].update(place_json(*side.kel));
+  }
+  json["pass"] = side.pass == PASS::NONE      ? ordered_json()
+                 : side.pass == PASS::FORWARD ? "forward"
+                                              : "reverse";
+  json["combination_type"] = side.combination_type;
+  ordered_json planes = ordered_json::array();
+  for (const T_LOADING& plane : side.planes) add_loading(planes.emplace_back(ordered_json::object()), plane);
+  json["planes"] = std::move(planes);
+  json["record"] = side.record;
+  return json;
+}
+
+ordered_json side_json(const T_ENVELOPE_REPORT& report, HOST_SIDE side) {
+  ordered_json lanes = ordered_json::array();
+  for (const T_LANE_SIDE& lane : report.sides[side].lanes) lanes.push_back(lane_json(lane, report.kel_load));
+  ordered_json json{{"value", nullptr},
+                    {"governed", report.sides[side].vehicle_class != 0},
+                    {"vehicle_class", report.sides[side].vehicle_class},
+                    {"vehicle_name", report.vehicle_names[side]},
+                    {"lanes", std::move(lanes)}};
+  if (report.searched) json["value"] = report.values[side];
+  return json;
+}
+
+}  // namespace
+
+std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
+  std::string text = fmt::format("{}: {} {}, item {} ({})\n", report.file.file_name, report.kind->name,
+                                 report.id, report.item, report.kind->meaning);
+  if (!report.searched) return text + "Nothing was searched.\n";
+  text += is_in_files(report)
+              ? fmt::format("Moving load case {} of {}, {} combination{}\n\n", report.mv_case, report.cases,
+                            report.combinations, report.combinations == 1 ? "" : "s")
+              : fmt::format("Moving load case {}: not in the files\n\n", report.mv_case);
+  text += side_by_side({}, head_lines(report));
+  const bool is_governed =
+      report.sides[MAXIMUM].vehicle_class != 0 || report.sides[MINIMUM].vehicle_class != 0;
+  if (!is_governed) return text;
+  const std::vector<T_LANE_SIDE>& max_lanes = report.sides[MAXIMUM].lanes;
+  const std::vector<T_LANE_SIDE>& min_lanes = report.sides[MINIMUM].lanes;
+  for (std::size_t lane = 0; lane < max_lanes.size(); ++lane) {
+    text +=
+        rule() + side_by_side(lane_label(max_lanes[lane]), {lane_lines(max_lanes[lane], report.kel_load),
+                                                            lane_lines(min_lanes[lane], report.kel_load)});
+  }
+  text += rule() +
+          "UDL: intensity over the loaded length, and the loaded ranges of the lane. KEL: knife-edge load.\n"
+          "Distances run along each lane from its start; the two values are in the solver's units.\n";
+  if (text.find(NO_DISTANCE) != std::string::npos) text += NO_DISTANCE_MEANING;
+  return text;
+}
+
+std::string ENVELOPE_JSON(const T_ENVELOPE_REPORT& report) {
+  const ordered_json json{{"file", report.file.file_name},
+                          {"analysis_code", report.file.analysis_code},
+                          {"kind", report.kind->name},
+                          {"result_kind", report.kind->result_kind},
+                          {"id", report.id},
+                          {"item", report.item},
+                          {"moving_load_case", report.mv_case},
+                          {"combinations", report.combinations},
+                          {"searched", report.searched},
+                          {"maximum", side_json(report, MAXIMUM)},
+                          {"minimum", side_json(report, MINIMUM)},
+                          {"notes", report.notes}};
+  // File names may hold any bytes; what isn't UTF-8 is replaced.
+  return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace tools

@@ -1,0 +1,38 @@
+// The answer of `movload envelope`, as a table for engineers and as JSON for programs.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/governing_loading.h"
+#include "tools/model_files.h"
+#include "tools/result_points.h"
+
+namespace tools {
+
+struct T_ENVELOPE_REPORT {
+  T_MODEL_FILE file;
+  const T_KIND* kind = nullptr;
+  std::int32_t id = 0;
+  std::int32_t item = 0;
+  std::int32_t mv_case = 0;
+  std::int32_t cases = 0;         // of the model
+  std::int32_t combinations = 0;  // of the case
+  bool searched = false;
+  std::array<double, 2> values{};  // by HOST_SIDE
+  std::array<T_SIDE_LOADING, 2> sides;
+  std::array<std::string, 2> vehicle_names;  // of the sides' vehicle classes
+  std::optional<double> kel_load;            // kN, where all vehicles of the model agree on it
+  std::vector<std::string> notes;            // what the user should know beside the answer
+};
+
+/// Maximum and minimum side by side, lane by lane, at most 100 columns wide. Without the notes.
+[[nodiscard]] std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report);
+
+/// One object, with the notes.
+[[nodiscard]] std::string ENVELOPE_JSON(const T_ENVELOPE_REPORT& report);
+
+}  // namespace tools

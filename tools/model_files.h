@@ -1,0 +1,26 @@
+// From what the user typed to the model's block directory file.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tools {
+
+/// Analysis codes of the extensions .ZA3, .YA3, .XA3, .WA3 and .ZAX3.
+inline constexpr std::int32_t FIRST_ANALYSIS_CODE = 0;
+inline constexpr std::int32_t LAST_ANALYSIS_CODE = 4;
+
+struct T_MODEL_FILE {
+  std::string base_name;  // as a host passes it
+  std::int32_t analysis_code = 0;
+  std::string file_name;  // base name and extension
+};
+
+/// Finds the file of a base name, or of a full file name. Without an analysis code the extension tells it;
+/// where the name has none, .ZA3 comes first, and else the one file that is there counts.
+/// Throws T_TOOL_FAILURE where no file fits, or more than one does.
+[[nodiscard]] T_MODEL_FILE FIND_MODEL_FILE(const std::string& given,
+                                           std::optional<std::int32_t> analysis_code);
+
+}  // namespace tools
