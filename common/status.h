@@ -12,11 +12,12 @@ enum class REASON : std::uint8_t {
   NONE,
   NO_ARGUMENT,            // a pointer of the host is null
   BAD_PATH_LENGTH,        // value: the length
+  BAD_PATH,               // a character that no file name has
   UNKNOWN_ANALYSIS_CODE,  // value: the code
   FILE_NOT_OPENED,
-  DIRECTORY_CUT,            // a header or entry record can't be read
-  NOT_A_DIRECTORY,          // mark, version, kind or entry count differ
-  BLOCK_ABSENT,             //
+  DIRECTORY_CUT,    // a header or entry record can't be read
+  NOT_A_DIRECTORY,  // mark, version, kind or entry count differ
+  BLOCK_ABSENT,
   BAD_BLOCK_PLACE,          // the block's first record or record length can't be; value: which
   RECORD_ABSENT,            // the record lies behind the block's last
   RECORD_CUT,               // the file ends before the record does

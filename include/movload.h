@@ -66,11 +66,13 @@ enum movload_record_field {
   MOVLOAD_TYPE_OF_HB = 3,      /* 1 to 5 by inner axle spacing; 0: no HB */
   MOVLOAD_POSITION_OF_HB = 4,  /* influence point; 0: no HB */
   MOVLOAD_FACTOR = 5,          /* scale of the lane in the governing combination, times 10000000, truncated */
-  MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type */
+  MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type. On a
+                                  loaded straddle lane the HB's plane and portion in one number */
   MOVLOAD_POS_OF_HA_KEL = 7,   /* influence point of the knife-edge load, for a lane under HA alone; else 0 */
   MOVLOAD_COMB_TYPE = 8, /* last two digits: 1 no lane has an HB, 2 one lane has, 3 two lanes have and none
-                            has full HA UDL (also a loaded straddle lane), 4 two lanes have and one has full
-                            HA UDL; hundreds: 1 forward pass, 2 reverse pass, 0 nothing governs the lane */
+                                  has full HA UDL (also a loaded straddle lane), 4 two lanes have and one has
+                                  full HA UDL, 0 any other loading and an empty straddle lane;
+                                  hundreds: 1 forward pass, 2 reverse pass, 0 nothing governs the lane */
   MOVLOAD_RECORD_F10 = 9 /* 0 */
 };
 
@@ -85,13 +87,15 @@ enum movload_sizes {
  *   PATH            in      base name of the model's files: path and stem, without extension
  *   PATH_LEN        in      characters of PATH; of more than 260 the first 260 are taken
  *   RESULT_KIND     in      movload_result_kind
- *   RESULT_ID       in      node, support or element; one that the files don't hold gives 0 for both values
- *   RESULT_ITEM     in      component, from 1; one that the kind hasn't fails
+ *   RESULT_ID       in      node, support or element. One that the files don't hold gives 0 for both values;
+ *                           with RK_LDSP there is then nothing to search
+ *   RESULT_ITEM     in      component, from 1; one that the kind hasn't fails, unless the kind has nothing to
+ *                           search
  *   MV_CASE         in      moving load case, from 1; one that the files don't hold gives 0 for both values
  *   NUM_LANE        in/out  in: lanes of the host's arrays, at least the model's;
  *                           out: the model's lanes, the straddle lanes last
- *   FINAL_MAX       out     greatest value, never below 0
- *   FINAL_MIN       out     least value, never above 0
+ *   FINAL_MAX       out     greatest value, never below 0; left alone where there is nothing to search
+ *   FINAL_MIN       out     least value, never above 0; likewise
  *   K_MXLOAD        out     [10, lanes] record of each lane, maximum side
  *   K_MNLOAD        out     [10, lanes] the same, minimum side
  *   MODE_CODE       in/out  in: analysis code, which chooses the extension (0 .ZA3, 1 .YA3, 2 .XA3, 3 .WA3,
@@ -115,7 +119,7 @@ enum movload_sizes {
  *   DISTANCE_MIN_RANGE
  *                   out     [200, lanes] the same for the ranges of negative influence
  *
- * Arrays of lanes beyond the model's are cleared, but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which
+ * Every pointer must be given, also where a model has no lanes. Arrays of lanes beyond the model's are cleared, but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which
  * stay as they were. */
 MOVLOAD_API void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t RESULT_KIND, int32_t RESULT_ID,
                                    int32_t RESULT_ITEM, int32_t MV_CASE, int32_t* NUM_LANE, double* FINAL_MAX,

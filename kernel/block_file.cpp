@@ -58,14 +58,19 @@ T_BLOCK find_block(RECORD_FILE& unit, const std::string& file_name, std::int32_t
     return ends_with(FIND_STATUS::NOT_OPENED);
   }
 
-  // A chain that visits more headers than the file could hold runs in a circle.
-  std::int64_t headers_left = unit.FILE_BYTES() / VERSION::RECORD_BYTES;
+  // A chain that comes to a header again, or visits more than the file could hold, runs in a circle. The header that is
+  // remembered moves on at every doubling of the way, so that a circle is found within a few rounds.
+  constexpr std::int64_t GROUP_RECORDS = 1 + ENTRIES_PER_HEADER;
+  const std::int64_t most_headers = unit.FILE_BYTES() / (GROUP_RECORDS * VERSION::RECORD_BYTES) + 1;
+  std::int64_t headers = 0;
+  std::int64_t remembered = 0;
   std::int64_t at = 1;
   while (at != 0) {
     const std::byte* record = nullptr;
-    if (headers_left-- <= 0 || !unit.READ(at, VERSION::RECORD_BYTES, record).OK()) {
+    if (++headers > most_headers || at == remembered || !unit.READ(at, VERSION::RECORD_BYTES, record).OK()) {
       return ends_with(FIND_STATUS::READ_FAILED);
     }
+    if ((headers & (headers - 1)) == 0) remembered = at;
     std::int64_t next = 0;
     if (!is_header<VERSION>(UNPACK(record), file_kind, next)) return ends_with(FIND_STATUS::NOT_A_DIRECTORY);
     for (std::int64_t k = 1; k <= ENTRIES_PER_HEADER; ++k) {
@@ -76,6 +81,7 @@ T_BLOCK find_block(RECORD_FILE& unit, const std::string& file_name, std::int32_t
       const std::string_view name(entry_tag.data(), entry_tag.size());
       if (name == UNUSED_TAG) return ends_with(FIND_STATUS::NOT_FOUND);
       if (name != tag || entry_id != block_id) continue;
+      block.HAS_ENTRY = true;
       block.FIRST_REC = entry.NEXT<typename VERSION::RECORD_NUMBER>();
       const std::int64_t last = entry.NEXT<typename VERSION::RECORD_NUMBER>();
       block.REC_WORDS = entry.NEXT<std::int32_t>();
@@ -139,8 +145,7 @@ STATUS BLOCK_READER::OPEN(RECORD_FILE& unit, const std::string& file_name, std::
                : FIND_BLOCK_V1(unit, file_name, DIRECTORY_FILE_KIND, tag, block_id);
   const bool sound = block_.STATUS_CODE == FIND_STATUS::FOUND || block_.STATUS_CODE == FIND_STATUS::NOT_FOUND;
   if (sound) return {};
-  // With values from its entry the block was found, and its own record length is what can't be opened.
-  if (block_.STATUS_CODE == FIND_STATUS::NOT_OPENED && block_.FIRST_REC != 0) {
+  if (block_.STATUS_CODE == FIND_STATUS::NOT_OPENED && block_.HAS_ENTRY) {
     return AT(STATUS::FAILED(REASON::BAD_BLOCK_PLACE, block_.REC_WORDS), 0);
   }
   return AT(STATUS::FAILED(reason_of(block_.STATUS_CODE)), 0);

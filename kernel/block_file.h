@@ -47,6 +47,7 @@ struct T_BLOCK {
   std::int64_t FIRST_REC = 0;
   std::int32_t REC_WORDS = 0;
   std::int64_t NUM_REC = 0;  // BLOCK_LAST - BLOCK_FIRST + 1
+  bool HAS_ENTRY = false;    // the block is in the directory, whatever came of it
 };
 
 /// Name of the block directory file: base name and an extension by analysis code; empty for an unknown code.

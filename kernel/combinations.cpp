@@ -7,7 +7,7 @@
 namespace kernel {
 namespace {
 
-constexpr std::size_t MOST_USUAL_CODES = 1024;
+constexpr std::int64_t MOST_USUAL_CODES = 1024;
 
 /// The smallest whole number not below x, for x from 0 on.
 std::int32_t round_up(real x) {
@@ -31,7 +31,11 @@ T_CODE_BOOK::T_CODE_BOOK(const std::vector<search::T_VEHICLE>& vehicles, std::in
   std::sort(classes_.begin(), classes_.end());
   classes_.erase(std::unique(classes_.begin(), classes_.end()), classes_.end());
 
-  const std::int64_t codes = std::min<std::int64_t>(highest_code_ + 1, MOST_USUAL_CODES);
+  // Codes beyond all classes and groups of the vehicles mean nothing.
+  std::int64_t highest = classes_.empty() ? 0 : classes_.back();
+  for (const std::int32_t group : groups_) highest = std::max<std::int64_t>(highest, group);
+  const std::int64_t meaningful = std::min(highest_code_, search::SUB_CASES * highest) + 1;
+  const std::int64_t codes = std::clamp<std::int64_t>(meaningful, 1, MOST_USUAL_CODES);
   for (std::int32_t code = 0; code < codes; ++code) usual_.push_back(MEANING(code).SLOT_CODE);
 }
 

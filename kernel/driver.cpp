@@ -90,7 +90,8 @@ bool IS_SECTION_ITEM(std::int32_t result_kind, std::int32_t result_item) {
   constexpr std::int32_t BEAM_SECTION_ITEMS = 30;
   constexpr std::int32_t WALL_SECTION_ITEMS = 45;
   if (result_kind == RK_BEAM) return result_item <= BEAM_SECTION_ITEMS;
-  return result_kind == RK_WALL && ITEM_MAP(result_item) <= WALL_SECTION_ITEMS;
+  const std::int32_t mapped = ITEM_MAP(result_item);
+  return result_kind == RK_WALL && mapped >= 1 && mapped <= WALL_SECTION_ITEMS;
 }
 
 }  // namespace kernel

@@ -21,6 +21,9 @@ void describe(const STATUS& status, char* text, std::size_t room) noexcept {
     case REASON::BAD_PATH_LENGTH:
       std::snprintf(text, room, "the path has %lld characters, which no file name can be made of", value);
       return;
+    case REASON::BAD_PATH:
+      std::snprintf(text, room, "the path holds a character that no file name has");
+      return;
     case REASON::UNKNOWN_ANALYSIS_CODE:
       std::snprintf(text, room, "analysis code %lld is unknown (0 to 4 and 101 are known)", value);
       return;
@@ -97,6 +100,10 @@ void FAILURE_TEXT(const STATUS& status, std::string_view file_name, char* text, 
     append(std::snprintf(text + used, room - used, "record %lld: ", static_cast<long long>(status.record)));
   }
   describe(status, text + used, room - used);
+  // One line, whatever characters the host's path has.
+  for (char* at = text; *at != '\0'; ++at) {
+    if (static_cast<unsigned char>(*at) < ' ') *at = '?';
+  }
 }
 
 }  // namespace kernel

@@ -44,8 +44,7 @@ class RECORD_WALK {
   std::int64_t number_ = 0;
 };
 
-// ----------------------------------------------------------------------------------------------------
-// vehicles
+// ---------------------------------------------------------------------------------------- vehicles
 
 constexpr std::int32_t SHORT_VEHICLE_WORDS = 417;
 constexpr std::int64_t SHORT_VEHICLE_BYTES = 1668;
@@ -56,10 +55,11 @@ std::int32_t table_integer(std::int32_t value, bool long_form) {
   return long_form ? value : TRUNCATE(static_cast<double>(static_cast<real>(value)));
 }
 
-STATUS read_vehicle(RECORD_WALK& walk, const T_COUNTS& counts, std::int32_t group,
-                    search::T_VEHICLE& vehicle) {
+STATUS read_vehicle(RECORD_WALK& walk, const T_COUNTS& counts, std::int32_t group, search::T_VEHICLE& vehicle,
+                    std::int32_t& last_class) {
   constexpr std::int32_t HB_LOAD = 2;
   constexpr std::int32_t HB_FACTOR = 100;
+  // A long record is held to its length, though nothing is taken from its two further lists.
   const bool long_form = walk.BLOCK().REC_WORDS() > SHORT_VEHICLE_WORDS;
   const std::byte* record = nullptr;
   STATUS status = walk.NEXT(long_form ? LONG_VEHICLE_BYTES : SHORT_VEHICLE_BYTES, record);
@@ -82,6 +82,7 @@ STATUS read_vehicle(RECORD_WALK& walk, const T_COUNTS& counts, std::int32_t grou
                        search::VEHICLE_LIST);
   if (!status.OK()) return status;
 
+  last_class = veh_class;
   vehicle.VEH_GROUP = table_integer(group, long_form);
   vehicle.VEH_CLASS = table_integer(veh_class, long_form);
   vehicle.VEHICLE_CODE = table_integer(vehicle_code, long_form);
@@ -93,7 +94,7 @@ STATUS read_vehicle(RECORD_WALK& walk, const T_COUNTS& counts, std::int32_t grou
   return {};
 }
 
-// ---------------------------------------------------------------------------------------------------- lanes
+// ---------------------------------------------------------------------------------------- lanes
 
 constexpr std::int64_t LANE_HEAD_BYTES = 44;
 constexpr std::int64_t SPREAD_BYTES = 52;
@@ -211,7 +212,7 @@ STATUS read_points(RECORD_WALK& walk, const T_COUNTS& counts, search::T_LANE& la
   return {};
 }
 
-// ---------------------------------------------------------------------------------------------------- class
+// ---------------------------------------------------------------------------------------- class
 // lanes
 
 struct T_PHSL_HEAD {
@@ -335,9 +336,8 @@ STATUS READ_VEHICLES(RECORD_FILE& unit, const std::string& file_name, const T_CO
     vehicles.LAST_CLASS.push_back(0);
     for (std::int32_t v = 0; v < count; ++v) {
       search::T_VEHICLE& vehicle = vehicles.COLUMNS[static_cast<std::size_t>(columns++)];
-      status = read_vehicle(walk, counts, group, vehicle);
+      status = read_vehicle(walk, counts, group, vehicle, vehicles.LAST_CLASS.back());
       if (!status.OK()) return status;
-      vehicles.LAST_CLASS.back() = vehicle.VEH_CLASS;
     }
   }
   return {};
@@ -406,7 +406,7 @@ STATUS READ_AXLE_LANES(RECORD_FILE& unit, const std::string& file_name, const T_
   status = walk.BOUNDS("N_AXLE_LIST", count, 0, NO_LIMIT);
   if (!status.OK()) return status;
 
-  axle_lanes.CREATE(list_length);
+  axle_lanes.CREATE();
   for (std::int32_t r = 0; r < count; ++r) {
     status = walk.NEXT(4 * INT_BYTES, record);
     if (!status.OK()) return status;

@@ -44,6 +44,7 @@ STATUS MAKE_REQUEST_FILE_NAME(std::string_view base_name, std::int32_t analysis_
                               std::string& file_name) {
   file_name = MAKE_BLOCK_FILE_NAME(base_name, analysis_code);
   if (file_name.empty()) return STATUS::FAILED(REASON::UNKNOWN_ANALYSIS_CODE, analysis_code);
+  if (base_name.find('\0') != std::string_view::npos) return STATUS::FAILED(REASON::BAD_PATH);
   const bool fits = !base_name.empty() && file_name.size() <= static_cast<std::size_t>(MAX_FILE_NAME);
   return fits ? STATUS{}
               : STATUS::FAILED(REASON::BAD_PATH_LENGTH, static_cast<std::int64_t>(base_name.size()));

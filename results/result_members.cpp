@@ -11,16 +11,16 @@ namespace {
 
 using kernel::T_COUNTS;
 
+// RESULT_DISP, RESULT_REAC, RESULT_LRAC, RESULT_SIMB and RESULT_LINK, by kind of result.
 constexpr std::array<T_FAMILY, 7> FAMILY_TABLE{{
-    {"RESULT_DISP", kernel::RK_DISP, "DISP", FIND_RUN::BY_ID, 0, 0, ROW_LAYOUT::SIMPLE, nullptr},
-    {"RESULT_DISP", kernel::RK_LDSP, "LDSP", FIND_RUN::BY_LOCAL_AXES, 0, 0, ROW_LAYOUT::SIMPLE, nullptr},
-    {"RESULT_REAC", kernel::RK_REAC, "REAC", FIND_RUN::BY_NODE_NUMBER, 1, 0, ROW_LAYOUT::SIMPLE,
-     &T_COUNTS::N_REAC_NODE},
-    {"RESULT_LRAC", kernel::RK_LRAC, "LRAC", FIND_RUN::BY_NODE_NUMBER, 1, 0, ROW_LAYOUT::SIMPLE,
+    {kernel::RK_DISP, "DISP", FIND_RUN::BY_ID, 0, 0, ROW_LAYOUT::SIMPLE, nullptr},
+    {kernel::RK_LDSP, "LDSP", FIND_RUN::BY_LOCAL_AXES, 0, 0, ROW_LAYOUT::SIMPLE, nullptr},
+    {kernel::RK_REAC, "REAC", FIND_RUN::BY_NODE_NUMBER, 1, 0, ROW_LAYOUT::SIMPLE, &T_COUNTS::N_REAC_NODE},
+    {kernel::RK_LRAC, "LRAC", FIND_RUN::BY_NODE_NUMBER, 1, 0, ROW_LAYOUT::SIMPLE,
      &T_COUNTS::N_LOCAL_REACTION},
-    {"RESULT_SIMB", kernel::RK_SIMB, "SIMB", FIND_RUN::BY_ID, 0, 12, ROW_LAYOUT::SIMPLE, nullptr},
-    {"RESULT_LINK", kernel::RK_ELNK, "ELNK", FIND_RUN::BY_ID, 3, 12, ROW_LAYOUT::SIMPLE, nullptr},
-    {"RESULT_LINK", kernel::RK_NLNK, "NLNK", FIND_RUN::BY_ID, 3, 12, ROW_LAYOUT::SIMPLE, nullptr},
+    {kernel::RK_SIMB, "SIMB", FIND_RUN::BY_ID, 0, 12, ROW_LAYOUT::SIMPLE, nullptr},
+    {kernel::RK_ELNK, "ELNK", FIND_RUN::BY_ID, 3, 12, ROW_LAYOUT::SIMPLE, nullptr},
+    {kernel::RK_NLNK, "NLNK", FIND_RUN::BY_ID, 3, 12, ROW_LAYOUT::SIMPLE, nullptr},
 }};
 
 constexpr std::int32_t RESULT_BLOCK_ID = 5;

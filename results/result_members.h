@@ -25,7 +25,6 @@ enum class FIND_RUN : std::uint8_t { BY_ID, BY_LOCAL_AXES, BY_NODE_NUMBER };
 
 /// One row of the family table.
 struct T_FAMILY {
-  std::string_view ROUTINE;
   std::int32_t RESULT_KIND;
   std::string_view TAG;
   FIND_RUN FINDING;

@@ -16,8 +16,7 @@ const T_FILED_RESULT* T_LANE_PHASE::FIND(std::int32_t lane, std::int32_t class_s
 
 namespace {
 
-// ----------------------------------------------------------------------------------------------------
-// searches
+// ---------------------------------------------------------------------------------------- searches
 
 /// One search: what it works on.
 struct T_SEARCH_INPUT {
@@ -66,7 +65,7 @@ constexpr std::array<T_SUB_CASE, search::SUB_CASES> SEARCH_TABLE{{
 }};
 constexpr std::size_t HA_ALONE = 0;
 
-// ---------------------------------------------------------------------------------------------------- lane
+// ---------------------------------------------------------------------------------------- lane
 // phase
 
 /// Where the knife-edge load of a side stands: the first point that holds the lane's extreme, 0 where there
@@ -240,8 +239,7 @@ T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, const search::T_LOAD_O
   return phase;
 }
 
-// ----------------------------------------------------------------------------------------------------
-// combinations
+// ---------------------------------------------------------------------------------------- combinations
 
 namespace {
 

@@ -26,8 +26,7 @@ float edge_of(std::uint32_t cell) {
 
 }  // namespace
 
-// ----------------------------------------------------------------------------------------------------
-// intensity
+// ---------------------------------------------------------------------------------------- intensity
 
 bool T_INTENSITY_BOUNDS::PREPARE(const T_HA_CURVE& curve, double shortest, double longest) {
   constexpr real MOST = 1e15F;
@@ -96,7 +95,7 @@ double T_INTENSITY_BOUNDS::HIGHEST_FROM(double length) const noexcept {
   return std::max(highest, static_cast<double>(curve_.HA_WMIN)) * (1 + 1e-6);
 }
 
-// ---------------------------------------------------------------------------------------------------- the
+// ---------------------------------------------------------------------------------------- the
 // line
 
 T_HA_BOUNDS::T_RANKED T_HA_BOUNDS::ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept {
@@ -217,16 +216,18 @@ double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone,
 template <LAYOUT L>
 T_ZONE_CUT T_HA_BOUNDS::CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept {
   T_ZONE_CUT cut;
-  cut.BEFORE = LAST_SEGMENT_BEFORE(zone);
+  cut.BEFORE = NEAR_SEGMENT(zone) - 1;
   cut.BEHIND = std::min(zone.FAR_INDEX, segments_);
   cut.KNOWN = cut.BEFORE >= 0 && zone.FAR_INDEX >= zone.NEAR_INDEX;
   if (!cut.KNOWN) return cut;
   const auto before = static_cast<std::size_t>(cut.BEFORE);
   cut.OPEN.POSITIVE = states_[MAX_SIDE][before].OPEN;
   cut.OPEN.NEGATIVE = states_[MIN_SIDE][before].OPEN;
-  ADD_CUT_SEGMENTS<L>(line, zone, cut.OPEN, [&cut](SIDE side, const T_OPEN_RANGE& range) {
+  const auto closed = [&cut](SIDE side, const T_OPEN_RANGE& range) {
     cut.CLOSED[static_cast<std::size_t>(cut.N_CLOSED++)] = {side, range};
-  });
+  };
+  ADD_NEAR_PIECE<L>(line, zone, cut.OPEN, closed);
+  ADD_FAR_PIECE<L>(line, zone, cut.OPEN, closed);
   return cut;
 }
 

@@ -12,7 +12,7 @@ constexpr std::int32_t FORWARD_PASS = 1;
 constexpr std::int32_t REVERSE_PASS = 2;
 constexpr real ONE_THIRD = 0.3333F;  // the portion of HA UDL as the records know it, not 1 / 3
 
-// ------------------------------------------------------------------------------------------ passes and
+// ---------------------------------------------------------------------------------------- passes and
 // placements
 
 /// Distances of the axles from NEAR_END for each type. The rear bogie stands alike in all of them.
@@ -111,7 +111,7 @@ T_PASS reverse_pass(const T_HB_INPUT& input, T_HB_WORK& work) {
   return pass;
 }
 
-// ------------------------------------------------------------------------------------------ the vehicle's
+// ---------------------------------------------------------------------------------------- the vehicle's
 // axles
 
 /// Sums of the four axle ordinates that serve maxima and minima, and the planes that gave them; 0 is none.
@@ -159,7 +159,7 @@ T_AXLE_SUMS axle_sums(const T_PASS& pass, const T_PLACEMENT& placement) {
   return best;
 }
 
-// ------------------------------------------------------------------------------------------ the HA UDL
+// ---------------------------------------------------------------------------------------- the HA UDL
 // beside it
 
 /// What every kept placement records of its HA search and its place.
@@ -278,7 +278,7 @@ class HA_ON_PAIR {
   std::array<T_ZONE_CUT, 2> cuts_;
 };
 
-// ------------------------------------------------------------------------------------------ where the HB
+// ---------------------------------------------------------------------------------------- where the HB
 // stands
 
 /// In a lane.
@@ -321,7 +321,7 @@ struct PLANE_PAIR : HA_ON_PAIR<L> {
   }
 };
 
-// ------------------------------------------------------------------------------------------ exact placing
+// ---------------------------------------------------------------------------------------- exact placing
 
 /// Works a placement out and keeps it on the sides where it is strictly better.
 template <class PLANES>
@@ -353,7 +353,7 @@ void try_all(const T_PASS& pass, const T_HB_INPUT& input, const T_OFFSETS& offse
   }
 }
 
-// ------------------------------------------------------------------------------------------ screening
+// ---------------------------------------------------------------------------------------- screening
 //
 // Only a placement whose upper bound reaches the best lower bound of the pass can be the pass's best, and the
 // first of equal bests is among these, for its bound reaches too. So a pass is screened first, and the exact
@@ -546,7 +546,7 @@ class SCREEN {
   std::array<double, N_SIDES> reach_{};  // what the best of each side reaches at least, as a magnitude
 };
 
-// ------------------------------------------------------------------------------------------ the search
+// ---------------------------------------------------------------------------------------- the search
 
 template <class PLANES>
 void place_in_pass(T_PASS pass, const T_HB_INPUT& input, const T_OFFSETS& offsets, PLANES& planes,

@@ -1,30 +1,57 @@
 #include "search/lane_ordinates.h"
 
 #include <algorithm>
+#include <cmath>
+#include <unordered_map>
+#include <utility>
 
 namespace search {
 
-T_KEPT_POINTS DROP_REPEATED_POINTS(const std::vector<real>& positions) {
-  const auto n = static_cast<std::int32_t>(positions.size());
-  T_KEPT_POINTS kept;
-  kept.COUNT = n;
-  kept.SOURCE.resize(positions.size());
-  for (std::int32_t i = 0; i < n; ++i) kept.SOURCE[static_cast<std::size_t>(i)] = i + 1;
+namespace {
 
-  std::vector<real> x = positions;
-  // Along ascending positions a repeat can only be the next point; positions of a damaged file are searched
-  // through.
-  const bool ascending = std::is_sorted(x.begin(), x.end(), [](real a, real b) { return !(a >= b); });
-  for (std::int32_t i = 0; i < n && i + 1 < kept.COUNT; ++i) {
-    const auto end = x.begin() + kept.COUNT;
-    const auto next = x.begin() + i + 1;
-    const auto repeat = ascending ? (*next == x[static_cast<std::size_t>(i)] ? next : end)
-                                  : std::find(next, end, x[static_cast<std::size_t>(i)]);
-    if (repeat == end) continue;
-    const auto rows = kept.SOURCE.begin();
-    std::copy(repeat + 1, end, repeat);
-    std::copy(rows + (repeat - x.begin()) + 1, rows + kept.COUNT, rows + (repeat - x.begin()));
-    --kept.COUNT;
+/// For each position the index of the next equal one, n where there is none. Along ascending positions that can only be the
+/// next point; positions of a damaged file are looked up.
+std::vector<std::size_t> next_repeats(const std::vector<real>& positions) {
+  const std::size_t n = positions.size();
+  std::vector<std::size_t> next(n, n);
+  const bool ascending =
+      std::is_sorted(positions.begin(), positions.end(), [](real a, real b) { return !(a >= b); });
+  if (ascending) {
+    for (std::size_t i = 0; i + 1 < n; ++i) {
+      if (positions[i + 1] == positions[i]) next[i] = i + 1;
+    }
+    return next;
+  }
+  std::unordered_map<real, std::size_t> seen;
+  for (std::size_t i = n; i-- > 0;) {
+    if (std::isnan(positions[i])) continue;  // equals nothing
+    const auto [at, is_first] = seen.try_emplace(positions[i], i);
+    if (!is_first) next[i] = std::exchange(at->second, i);
+  }
+  return next;
+}
+
+}  // namespace
+
+T_KEPT_POINTS DROP_REPEATED_POINTS(const std::vector<real>& positions) {
+  const std::size_t n = positions.size();
+  const std::vector<std::size_t> next = next_repeats(positions);
+  T_KEPT_POINTS kept;
+  kept.SOURCE.resize(n);
+  std::vector<bool> is_dropped(n, false);
+  std::size_t count = n;
+  std::size_t last = n;  // the last point left, from 1
+  for (std::size_t i = 0; i < n; ++i) {
+    if (is_dropped[i] || next[i] == n) continue;
+    is_dropped[next[i]] = true;
+    // The rows behind move up, and the last one stays where it was too.
+    kept.SOURCE[--count] = static_cast<std::int32_t>(last);
+    while (last > 0 && is_dropped[last - 1]) --last;
+  }
+  kept.COUNT = static_cast<std::int32_t>(count);
+  std::size_t place = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    if (!is_dropped[i]) kept.SOURCE[place++] = static_cast<std::int32_t>(i) + 1;
   }
   return kept;
 }

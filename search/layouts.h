@@ -37,10 +37,10 @@ struct SIMPLE_LAYOUT {
   static constexpr bool SKIPS_ZERO_LENGTH = true;  // a segment without length is passed over
   static constexpr bool CLOSES_AT_JUMPS = false;   // a jump across zero closes a range (whole lane only)
   static constexpr real SHORT_RANGE = 0.0F;  // in the pair search, ranges up to this length have the mean 0
+  /// HB_CODE of an HB across two parent lanes with full HA UDL: lane * this + plane.
+  static constexpr std::int32_t SUM_CODE_FACTOR = 1000;
 
   /// What an axle that stands exactly on point k counts.
-  static constexpr std::int32_t SUM_CODE_FACTOR =
-      1000;  // HB_CODE with full HA UDL on both parents: lane * this + plane
   static T_ORDINATE AT_POINT(const T_LINE& line, std::int32_t k) noexcept {
     return {line.BEFORE(k), line.BEFORE(k)};
   }

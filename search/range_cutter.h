@@ -56,9 +56,14 @@ class T_OPEN_RANGES {
   T_OPEN_RANGE POSITIVE;
   T_OPEN_RANGE NEGATIVE;
 
+  /// Where a segment from a to b crosses zero, from its start on.
+  [[nodiscard]] static real CROSSING(real dx, real a, real b) {
+    return std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
+  }
+
  private:
   static void cross(T_OPEN_RANGE& ending, T_OPEN_RANGE& beginning, real dx, real a, real b) {
-    const real x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
+    const real x0 = CROSSING(dx, a, b);
     ending.LENGTH += x0;
     ending.AREA += a * 0.5F * x0;
     beginning.LENGTH += dx - x0;
@@ -66,41 +71,42 @@ class T_OPEN_RANGES {
   }
 };
 
-/// The last whole segment in front of a zone, and the first one behind it. Where both ends lie in one segment, the segment
-/// behind it counts whole too, unless the near end is taken to stand on that segment's end.
-[[nodiscard]] inline std::int32_t LAST_SEGMENT_BEFORE(const T_ZONE_PLACE& zone) {
-  const std::int32_t near_segment = zone.NEAR_FRACTION != 0 ? zone.NEAR_INDEX - 1 : zone.NEAR_INDEX;
-  return std::min(near_segment, zone.FAR_INDEX) - 1;
-}
-[[nodiscard]] inline std::int32_t FIRST_SEGMENT_BEHIND(const T_ZONE_PLACE& zone) {
-  return (zone.NEAR_FRACTION != 0 ? zone.FAR_INDEX : std::max(zone.FAR_INDEX, zone.NEAR_INDEX)) + 1;
+/// The segment in which the near end of a zone lies, or which begins there.
+[[nodiscard]] inline std::int32_t NEAR_SEGMENT(const T_ZONE_PLACE& zone) {
+  return zone.NEAR_FRACTION != 0 ? zone.NEAR_INDEX - 1 : zone.NEAR_INDEX;
 }
 
-/// What the two segments that a zone cuts leave outside of it; the ends of both may lie in one segment. Each piece is cut
-/// from the whole segment's values.
+/// The part of segment i in front of a fraction of it, or behind; cut from the whole segment's values.
 template <LAYOUT L, class CLOSED>
-void ADD_CUT_SEGMENTS(const T_LINE& line, const T_ZONE_PLACE& zone, T_OPEN_RANGES& open, CLOSED closed) {
-  // The part of segment i in front of the fraction, or behind it.
-  const auto add_part = [&](std::int32_t i, real fraction, bool in_front) {
-    if (i < 1 || i >= line.n) return;
-    const real start = line.LANE_X(i);
-    const real end = line.LANE_X(i + 1);
-    const real dx = end - start;
-    if (L::SKIPS_ZERO_LENGTH && dx == 0) return;
-    const real a = line.AFTER(i);
-    const real b = line.BEFORE(i + 1);
-    const real at = start + dx * fraction;
-    const real ordinate = (1 - fraction) * a + fraction * b;
-    if (in_front) {
-      open.SEGMENT(at - start, a, ordinate, closed);
-    } else {
-      open.SEGMENT(end - at, ordinate, b, closed);
-    }
-  };
-  // Rounding of the zone's ends puts NEAR_END inside a segment at every eighth point or so: what lies in front of it
-  // counts, and no more.
-  if (zone.NEAR_FRACTION != 0) add_part(zone.NEAR_INDEX - 1, zone.NEAR_FRACTION, true);
-  add_part(zone.FAR_INDEX, zone.FAR_FRACTION, false);
+void ADD_PART(const T_LINE& line, std::int32_t i, real fraction, bool in_front, T_OPEN_RANGES& open,
+              CLOSED closed) {
+  if (i < 1 || i >= line.n) return;
+  const real start = line.LANE_X(i);
+  const real end = line.LANE_X(i + 1);
+  const real dx = end - start;
+  if (L::SKIPS_ZERO_LENGTH && dx == 0) return;
+  const real a = line.AFTER(i);
+  const real b = line.BEFORE(i + 1);
+  const real at = start + dx * fraction;
+  const real ordinate = (1 - fraction) * a + fraction * b;
+  if (in_front) {
+    open.SEGMENT(at - start, a, ordinate, closed);
+  } else {
+    open.SEGMENT(end - at, ordinate, b, closed);
+  }
+}
+
+/// What the zone leaves of the segment that its near end lies in. Rounding of the end brings this about at every eighth
+/// point or so.
+template <LAYOUT L, class CLOSED>
+void ADD_NEAR_PIECE(const T_LINE& line, const T_ZONE_PLACE& zone, T_OPEN_RANGES& open, CLOSED closed) {
+  if (zone.NEAR_FRACTION != 0) ADD_PART<L>(line, zone.NEAR_INDEX - 1, zone.NEAR_FRACTION, true, open, closed);
+}
+
+/// What the zone leaves of the segment that its far end lies in.
+template <LAYOUT L, class CLOSED>
+void ADD_FAR_PIECE(const T_LINE& line, const T_ZONE_PLACE& zone, T_OPEN_RANGES& open, CLOSED closed) {
+  ADD_PART<L>(line, zone.FAR_INDEX, zone.FAR_FRACTION, false, open, closed);
 }
 
 }  // namespace search

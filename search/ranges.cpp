@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <set>
 #include <utility>
 
 #include "search/range_cutter.h"
@@ -74,10 +76,6 @@ void close_at_jump(real a, real b, real c, T_OPEN_RANGES& open, CLOSED closed) {
   }
 }
 
-}  // namespace
-
-namespace {
-
 /// The whole segments first to last, without a rule for jumps.
 template <LAYOUT L, class CLOSED>
 void add_segments(const T_LINE& line, std::int32_t first, std::int32_t last, T_OPEN_RANGES& open,
@@ -116,11 +114,68 @@ template <LAYOUT L>
 void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANGE_WORK& work) {
   const RANGE_SINK closed(work, line.n);
   T_OPEN_RANGES open;
-  add_segments<L>(line, 1, std::min(LAST_SEGMENT_BEFORE(zone), line.n - 1), open, closed);
-  ADD_CUT_SEGMENTS<L>(line, zone, open, closed);
-  add_segments<L>(line, FIRST_SEGMENT_BEHIND(zone), line.n - 1, open, closed);
+  const std::int32_t last = line.n - 1;
+  const std::int32_t near_segment = NEAR_SEGMENT(zone);
+  add_segments<L>(line, 1, std::min({near_segment - 1, zone.FAR_INDEX - 1, last}), open, closed);
+  if (near_segment <= zone.FAR_INDEX) {
+    ADD_NEAR_PIECE<L>(line, zone, open, closed);
+    ADD_FAR_PIECE<L>(line, zone, open, closed);
+    add_segments<L>(line, zone.FAR_INDEX + 1, last, open, closed);
+  } else {
+    // The ends of a vehicle that no model has, or of positions that don't ascend: by the same rules, in lane order.
+    ADD_FAR_PIECE<L>(line, zone, open, closed);
+    add_segments<L>(line, std::max(zone.FAR_INDEX + 1, 1), std::min(near_segment - 1, last), open, closed);
+    ADD_NEAR_PIECE<L>(line, zone, open, closed);
+    add_segments<L>(line, std::max(zone.NEAR_INDEX + 1, 1), last, open, closed);
+  }
   open.END(closed);
 }
+
+namespace {
+
+/// From how many ranges on the next largest and smallest are looked up in a tree instead of searched for.
+constexpr std::int32_t MANY_RANGES = 2000;
+
+/// The same steps for a great many ranges, in n log n: the tree holds the means of the span with their places, the largest
+/// first and of equal ones the lowest place first.
+void sort_many_means(std::int32_t count, real* means, std::int32_t* numbers) {
+  const auto rank = [](real mean) {
+    return std::isnan(mean) ? -std::numeric_limits<real>::infinity() : mean;
+  };
+  struct T_ENTRY {
+    real mean;
+    std::int32_t place;
+    bool operator<(const T_ENTRY& other) const {
+      return mean != other.mean ? mean > other.mean : place < other.place;
+    }
+  };
+  std::set<T_ENTRY> span;
+  for (std::int32_t i = 0; i < count; ++i) span.insert({rank(means[i]), i});
+  // Takes an entry out to an end of the span; what stood at that end takes its place.
+  const auto take_out = [&](std::set<T_ENTRY>::iterator entry, std::int32_t end) {
+    const std::int32_t place = entry->place;
+    span.erase(entry);
+    if (place == end) return;
+    span.erase({rank(means[end]), end});
+    std::swap(means[place], means[end]);
+    std::swap(numbers[place], numbers[end]);
+    span.insert({rank(means[place]), place});
+  };
+  for (std::int32_t front = 0, back = count - 1; front < back; ++front, --back) {
+    take_out(span.begin(), front);
+    // The smallest is looked for in the span with its front, where the largest stands now.
+    const real smallest = span.rbegin()->mean;
+    if (rank(means[front]) <= smallest) {
+      std::swap(means[front], means[back]);
+      std::swap(numbers[front], numbers[back]);
+      span.erase({rank(means[front]), back});
+      continue;
+    }
+    take_out(span.lower_bound({smallest, 0}), back);
+  }
+}
+
+}  // namespace
 
 void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude) {
   if (count <= 0) return;
@@ -131,6 +186,10 @@ void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bo
     std::swap(means[i], means[j]);
     std::swap(numbers[i], numbers[j]);
   };
+  if (count >= MANY_RANGES) {
+    sort_many_means(count, means, numbers);
+    return;
+  }
   // A selection from both ends at once: the largest to the front of the span, the smallest to its back.
   for (std::int32_t front = 0, back = count - 1; front < back; ++front, --back) {
     std::int32_t largest = front;
@@ -277,44 +336,29 @@ void RANGE_DISTANCES(const T_LINE& line, std::array<T_RANGE_DISTANCES, N_SIDES>&
 
 void RANGE_DISTANCES_JUMP(const T_LINE& line, std::array<T_RANGE_DISTANCES, N_SIDES>& sides) {
   sides = {};
-  struct OPEN_RANGE {
-    real area = 0;
-    real length = 0;
+  T_OPEN_RANGES open;
+  real end = 0;  // where the range that closes next ends
+  const auto closed = [&](SIDE side, const T_OPEN_RANGE& range) {
+    add_pair(sides[side], end - range.LENGTH, end);
   };
-  std::array<OPEN_RANGE, N_SIDES> open;
-  const auto close = [&](int side, real end) {
-    add_pair(sides[static_cast<std::size_t>(side)], end - open[static_cast<std::size_t>(side)].length, end);
-    open[static_cast<std::size_t>(side)] = {};
-  };
+  const auto has_begun = [](const T_OPEN_RANGE& range) { return range.AREA != 0 && range.LENGTH != 0; };
   for (std::int32_t i = 1; i < line.n; ++i) {
     const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
     const real a = line.AFTER(i);
     const real b = line.BEFORE(i + 1);
-    if (a == 0 && b == 0) continue;
-    const bool rises = a >= 0 && b > 0;
-    if (rises || (a <= 0 && b < 0)) {
-      const int sign = rises ? MAX_SIDE : MIN_SIDE;
-      const int other = 1 - sign;
-      auto& range = open[static_cast<std::size_t>(sign)];
-      range.length += dx;
-      range.area += (a + b) * dx * 0.5F;
-      const auto& left_open = open[static_cast<std::size_t>(other)];
-      if (left_open.area != 0 && left_open.length != 0) close(other, line.LANE_X(i));
-    } else if ((a > 0 && b <= 0) || (a < 0 && b >= 0)) {
-      const int ending = a > 0 ? MAX_SIDE : MIN_SIDE;
-      auto& first = open[static_cast<std::size_t>(ending)];
-      auto& second = open[static_cast<std::size_t>(1 - ending)];
-      const real x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
-      first.length += x0;
-      first.area += a * 0.5F * x0;
-      second.length += dx - x0;
-      second.area += b * 0.5F * (dx - x0);
-      close(ending, line.LANE_X(i) + x0);
+    end = line.LANE_X(i);
+    if (a >= 0 && b > 0) {
+      if (has_begun(open.NEGATIVE)) open.CLOSE(MIN_SIDE, closed);
+    } else if (a <= 0 && b < 0) {
+      if (has_begun(open.POSITIVE)) open.CLOSE(MAX_SIDE, closed);
+    } else {
+      end = line.LANE_X(i) + T_OPEN_RANGES::CROSSING(dx, a, b);
     }
+    open.SEGMENT(dx, a, b, closed);
   }
   if (line.n < 1) return;
-  if (open[MAX_SIDE].area > 0) close(MAX_SIDE, line.LANE_X(line.n));
-  if (open[MIN_SIDE].area < 0) close(MIN_SIDE, line.LANE_X(line.n));
+  end = line.LANE_X(line.n);
+  open.END(closed);
 }
 
 template void CUT_RANGES<SIMPLE_LAYOUT>(const T_LINE&, T_RANGE_WORK&);

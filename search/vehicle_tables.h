@@ -48,22 +48,17 @@ struct T_VEHICLE_PARAMETERS {
 /// zeros.
 class T_AXLE_LANES {
  public:
-  void CREATE(std::int32_t list_length) {
-    exists_ = true;
-    list_length_ = list_length;
-  }
+  void CREATE() { exists_ = true; }
   void STORE(std::int32_t veh_class, std::int32_t lane, std::vector<std::int32_t> axle_list) {
     rows_[{veh_class, lane}] = std::move(axle_list);
   }
   [[nodiscard]] bool EXISTS() const noexcept { return exists_; }
-  [[nodiscard]] std::int32_t LIST_LENGTH() const noexcept { return list_length_; }
 
   /// The row's leading entries, without the zeros behind them; empty where none was stored.
   [[nodiscard]] const std::vector<std::int32_t>& READ(std::int32_t veh_class, std::int32_t lane) const;
 
  private:
   bool exists_ = false;
-  std::int32_t list_length_ = 0;
   std::map<std::pair<std::int32_t, std::int32_t>, std::vector<std::int32_t>> rows_;
   std::vector<std::int32_t> no_entries_;
 };

@@ -143,6 +143,7 @@ T_ENVELOPE_REPORT work_out(const T_ENVELOPE_OPTIONS& options) {
   report.cases = counts.N_MV_CASE;
   if (options.mv_case >= 1 && options.mv_case <= counts.N_MV_CASE)
     report.combinations = counts.N_COMBINATION[static_cast<std::size_t>(options.mv_case - 1)];
+  report.has_several_classes = background.model.COMBINATIONS.BOOK().CLASSES().size() > 1;
   report.kel_load = kel_load(background.model.VEHICLES);
   for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
     report.values[side] = answer.sides[side].value;

@@ -119,10 +119,15 @@ std::array<T_LINES, 2> head_lines(const T_ENVELOPE_REPORT& report) {
   for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
     const std::int32_t vehicle_class = report.sides[side].vehicle_class;
     const std::string& name = report.vehicle_names[side];
-    heads[side].push_back(
-        vehicle_class == 0
-            ? fmt::format("no combination goes {} 0", side == MAXIMUM ? "above" : "below")
-            : fmt::format("vehicle class {}{}{}", vehicle_class, name.empty() ? "" : ", ", name));
+    if (vehicle_class == 0) {
+      heads[side].push_back(fmt::format("no combination goes {} 0", side == MAXIMUM ? "above" : "below"));
+    } else if (report.has_several_classes) {
+      // The records name one class alone, that of the last loaded lane.
+      heads[side].push_back(fmt::format("vehicle class {} on the last loaded lane", vehicle_class));
+    } else {
+      heads[side].push_back(
+          fmt::format("vehicle class {}{}{}", vehicle_class, name.empty() ? "" : ", ", name));
+    }
   }
   return heads;
 }

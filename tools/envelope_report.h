@@ -24,6 +24,7 @@ struct T_ENVELOPE_REPORT {
   bool searched = false;
   std::array<double, 2> values{};  // by HOST_SIDE
   std::array<T_SIDE_LOADING, 2> sides;
+  bool has_several_classes = false;          // the model, of vehicles
   std::array<std::string, 2> vehicle_names;  // of the sides' vehicle classes
   std::optional<double> kel_load;            // kN, where all vehicles of the model agree on it
   std::vector<std::string> notes;            // what the user should know beside the answer

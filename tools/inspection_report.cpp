@@ -1,6 +1,7 @@
 #include "tools/inspection_report.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -140,14 +141,14 @@ std::string vehicle_text(const T_NAMED_VEHICLE& named) {
     return text + "    not searched: the library searches vehicles of code 20\n";
   const search::T_HA_CURVE& curve = parameters.HA_CURVE;
   const std::array<double, 5> spacings = inner_axle_spacings(parameters);
-  text +=
-      fmt::format("    HA  {} kN/m up to a loaded length of {}, then {} (1/L)^{}, at least {}; KEL {} kN\n",
-                  curve.HA_W0, curve.HA_L0, curve.HA_K, curve.HA_P, curve.HA_WMIN, parameters.KEL_LOAD);
-  return text +
-         fmt::format(
-             "    HB  four axles of {} kN; {} apart in a bogie, inner axles {}, {}, {}, {} or {} apart\n",
-             parameters.HB_LOAD, parameters.HB_S, spacings[0], spacings[1], spacings[2], spacings[3],
-             spacings[4]);
+  text += fmt::format(
+      "    HA  {:.5g} kN/m up to a length of {:.5g}, then {:.5g} (1/L)^{:.5g}, "
+      "at least {:.5g}; KEL {:.5g} kN\n",
+      curve.HA_W0, curve.HA_L0, curve.HA_K, curve.HA_P, curve.HA_WMIN, parameters.KEL_LOAD);
+  return text + fmt::format(
+                    "    HB  four axles of {:.5g} kN, {:.5g} apart in a bogie\n"
+                    "        inner axles {:.5g} apart, by type\n",
+                    parameters.HB_LOAD, parameters.HB_S, fmt::join(spacings, ", "));
 }
 
 std::string vehicles_text(const T_INSPECTION& inspection) {

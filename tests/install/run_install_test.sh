@@ -2,12 +2,13 @@
 # Installs a build into a fresh folder, moves that folder, and builds the C example against it as hosts do: as an
 # outside CMake project and with pkg-config. Both programs must run; where the command line tool is installed, they
 # run on its example bridge.
-# Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE C_COMPILER
+# Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE GENERATOR C_COMPILER
 set -euo pipefail
 source_folder=$1
 build_folder=$2
 cmake=$3
-compiler=$4
+generator=$4
+compiler=$5
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -25,7 +26,8 @@ quietly() {
 quietly "$cmake" --install "$build_folder" --prefix "$work/first"
 mv "$work/first" "$work/moved"
 
-quietly "$cmake" -S "$example" -B "$work/project" -DCMAKE_PREFIX_PATH="$work/moved" -DCMAKE_C_COMPILER="$compiler"
+quietly "$cmake" -S "$example" -B "$work/project" -G "$generator" -DCMAKE_PREFIX_PATH="$work/moved" \
+  -DCMAKE_C_COMPILER="$compiler"
 quietly "$cmake" --build "$work/project"
 
 pc_folder=$(dirname "$(find "$work/moved" -name movload.pc)")

@@ -1,6 +1,10 @@
 // What a run works out from its tables before any search: segments, vehicles, axle lists and ordinates.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <numeric>
+#include <random>
+
 #include <cmath>
 
 #include "kernel/driver.h"
@@ -145,6 +149,32 @@ TEST(repeated_points, each_point_loses_at_most_one_repeat) {
     search::DROP_ROWS(kept, ordinates);
     for (std::int32_t i = 1; const std::int32_t row : rows)
       EXPECT_EQ(ordinates(i++, 2), static_cast<real>(row));
+  }
+}
+
+TEST(repeated_points, the_rows_behind_hold_what_shifting_row_by_row_leaves_there) {
+  std::mt19937 random(3);
+  for (int line = 0; line < 2000; ++line) {
+    std::vector<real> line_x(random() % 12);
+    for (real& x : line_x) x = static_cast<real>(random() % 6);
+    if (line % 2 == 0) std::sort(line_x.begin(), line_x.end());
+
+    std::vector<real> x = line_x;
+    std::vector<std::int32_t> rows(x.size());
+    std::iota(rows.begin(), rows.end(), 1);
+    std::size_t count = x.size();
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+      std::size_t j = i + 1;
+      while (j < count && x[j] != x[i]) ++j;
+      if (j == count) continue;
+      for (--count; j < count; ++j) {
+        x[j] = x[j + 1];
+        rows[j] = rows[j + 1];
+      }
+    }
+    const search::T_KEPT_POINTS kept = search::DROP_REPEATED_POINTS(line_x);
+    EXPECT_EQ(kept.COUNT, static_cast<std::int32_t>(count));
+    EXPECT_EQ(kept.SOURCE, rows);
   }
 }
 

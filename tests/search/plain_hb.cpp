@@ -86,32 +86,41 @@ ORDINATE ORDINATE_AT(float p, const VIEW& line) {
 
 namespace {
 
-/// A cut in progress: the ranges in hand of both signs, and those closed.
-struct CUTTING {
-  std::array<RANKED_RANGES, 2>* closed;
-  float area[2] = {0, 0};
-  float length[2] = {0, 0};
+/// A range in hand.
+struct IN_HAND {
+  float area = 0;
+  float length = 0;
 
-  void close(int sign) {
-    RANKED_RANGES& ranges = (*closed)[static_cast<std::size_t>(sign)];
-    const auto r = static_cast<std::size_t>(ranges.COUNT++);
-    ranges.AREA[r] = std::exchange(area[sign], 0.0F);
-    ranges.LENGTH[r] = std::exchange(length[sign], 0.0F);
+  void add(float piece_area, float piece_length) {
+    length += piece_length;
+    area += piece_area;
   }
+  void close(RANKED_RANGES& ranges) {
+    const auto r = static_cast<std::size_t>(ranges.COUNT++);
+    ranges.AREA[r] = std::exchange(area, 0.0F);
+    ranges.LENGTH[r] = std::exchange(length, 0.0F);
+  }
+};
+
+/// A cut in progress.
+struct CUTTING {
+  RANKED_RANGES* closed;  // of both signs
+  IN_HAND positive;
+  IN_HAND negative;
+
   void segment(float dx, float a, float b) {
     if (a == 0 && b == 0) return;
-    if ((a >= 0 && b > 0) || (a <= 0 && b < 0)) {
-      const int sign = b > 0 ? 0 : 1;
-      length[sign] += dx;
-      area[sign] += (a + b) * dx * 0.5F;
-    } else if ((a > 0 && b <= 0) || (a < 0 && b >= 0)) {
-      const int first = a > 0 ? 0 : 1;
-      const float x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
-      length[first] += x0;
-      area[first] += a * 0.5F * x0;
-      length[1 - first] += dx - x0;
-      area[1 - first] += b * 0.5F * (dx - x0);
-      close(first);
+    if (a >= 0 && b > 0) return positive.add((a + b) * dx * 0.5F, dx);
+    if (a <= 0 && b < 0) return negative.add((a + b) * dx * 0.5F, dx);
+    const float x0 = std::fabs(a) * dx / (std::fabs(b) + std::fabs(a));
+    if (a > 0 && b <= 0) {
+      positive.add(a * 0.5F * x0, x0);
+      negative.add(b * 0.5F * (dx - x0), dx - x0);
+      positive.close(closed[0]);
+    } else if (a < 0 && b >= 0) {
+      negative.add(a * 0.5F * x0, x0);
+      positive.add(b * 0.5F * (dx - x0), dx - x0);
+      negative.close(closed[1]);
     }
   }
 };
@@ -122,7 +131,7 @@ void cut_beside(const std::array<VIEW, LINES>& lines, const ZONE_PLACE& zone, HB
   std::array<CUTTING, LINES> cuttings;
   for (std::size_t line = 0; line < LINES; ++line) {
     for (RANKED_RANGES& ranges : work.RANGES[line]) ranges.COUNT = 0;
-    cuttings[line].closed = &work.RANGES[line];
+    cuttings[line].closed = work.RANGES[line].data();
   }
   const bool near_inside = zone.NEAR_FRACTION != 0;
   const bool same_segment = near_inside && zone.FAR_INDEX == zone.NEAR_INDEX - 1;
@@ -151,8 +160,8 @@ void cut_beside(const std::array<VIEW, LINES>& lines, const ZONE_PLACE& zone, HB
     }
   }
   for (CUTTING& cutting : cuttings) {
-    if (cutting.area[0] > 0) cutting.close(0);
-    if (cutting.area[1] < 0) cutting.close(1);
+    if (cutting.positive.area > 0) cutting.positive.close(cutting.closed[0]);
+    if (cutting.negative.area < 0) cutting.negative.close(cutting.closed[1]);
   }
 }
 

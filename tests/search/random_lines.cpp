@@ -205,7 +205,8 @@ float hb_end(const plain::HB_TASK& task, float x, int k, int axle) {
 
 std::vector<float> hb_positions(RANDOM& random, std::uint64_t seed, const plain::HB_TASK& task,
                                 std::string& kind) {
-  const float starts[] = {0.0F, 0.0F, 0.0F, 1234.567F, -17.3F, 60000.0F, 10.0F * random.unit()};
+  const float starts[] = {
+      0.0F, 0.0F, 1234.567F, -17.3F, 60000.0F, 10.0F * random.unit(), 90.0F * random.unit()};
   const float x1 = starts[random.below(7)];
   float length = 40.0F + (random.one_in(3) ? 260.0F : 80.0F) * random.unit();
   std::vector<float> x{x1};
@@ -247,7 +248,8 @@ std::vector<float> hb_positions(RANDOM& random, std::uint64_t seed, const plain:
     for (int i = random.between(1, form == 2 ? 40 : 8); i > 0; --i) x.push_back(x1 + random.unit() * length);
     for (int i = form == 2 ? 0 : random.between(3, 20); i > 0; --i) {
       const float from = x[static_cast<std::size_t>(random.below(static_cast<int>(x.size())))];
-      const float at = hb_end(task, from, random.between(1, 5), random.below(5));
+      const int k = random.between(1, 5);
+      const float at = hb_end(task, from, k, random.below(5));
       const float as_near_end = (from + 25.0F) - 25.0F;
       const float choices[] = {at,
                                at,

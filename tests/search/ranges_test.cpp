@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include <array>
 #include <cmath>
 #include <limits>
@@ -137,6 +139,25 @@ TEST(sort, equal_means_come_out_in_the_order_of_the_double_ended_selection) {
   EXPECT_EQ(ranking({1, 2, 3, 2, 1}), (NUMBERS{3, 2, 4, 5, 1}));
   EXPECT_EQ(ranking({-1, -3, -2}, true), (NUMBERS{2, 3, 1}));
   EXPECT_EQ(ranking({}), NUMBERS{});
+}
+
+TEST(sort, very_many_means_come_out_in_the_same_order_as_few) {
+  std::mt19937 random(5);
+  for (const int values : {2, 40, 100000}) {
+    const int count = 2000 + values % 3;
+    plain::LIST<float> judged;
+    plain::LIST<int> judged_numbers;
+    for (int i = 1; i <= count; ++i) {
+      judged.values.push_back(static_cast<float>(static_cast<int>(random() % static_cast<unsigned>(values))));
+      judged_numbers.values.push_back(i);
+    }
+    std::vector<real> means = judged.values;
+    std::vector<std::int32_t> numbers = judged_numbers.values;
+    search::SORT_RANGE_MEANS(count, means.data(), numbers.data(), false);
+    plain::SORT_RANGE_MEANS(judged, judged_numbers, 1);
+    EXPECT_EQ(means, judged.values) << values << " values";
+    EXPECT_EQ(numbers, judged_numbers.values) << values << " values";
+  }
 }
 
 TEST(intensity, follows_the_curve_beyond_the_short_lengths_and_never_falls_below_the_least) {
