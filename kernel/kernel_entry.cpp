@@ -68,6 +68,7 @@ STATUS RUN_KERNEL(const T_REQUEST& request, const T_HOST_RESULTS& host) {
   const std::int32_t bad_portions =
       CHECK_LOAD_COMBINATION(host.RECORDS, model.COUNTS.NUM_LANE, model.COUNTS.N_STRADDLE, rules);
   for (std::int32_t i = 0; i < bad_portions; ++i) write_message(BAD_PORTION);
+  TRIM_RECORDS({model.LANES, model.VEHICLES, model.COUNTS.MAX_POINTS}, envelope, host.RECORDS);
   ADD_PASS_DIRECTION(envelope, host.RECORDS);
 #if MOVLOAD_DIAGNOSTIC_DUMP
   WRITE_DIAGNOSTIC_FILE(host.RECORDS, model.COUNTS.NUM_LANE, *host.FINAL_MAX, *host.FINAL_MIN);

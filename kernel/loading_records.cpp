@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "search/trimming.h"
+
 namespace kernel {
 namespace {
 
@@ -164,6 +166,62 @@ std::int32_t CHECK_LOAD_COMBINATION(const T_HOST_RECORDS& host, std::int32_t num
     }
   }
   return bad_digits;
+}
+
+namespace {
+
+/// Length of an HB zone by the numbers of the vehicle table's column VEHI_NO, in double precision. A column that isn't
+/// there counts 0.
+double zone_length(const std::vector<search::T_VEHICLE>& vehicles, std::int32_t vehi_no, std::int32_t type) {
+  constexpr double BOTH_CLEAR_DISTANCES = 50.0;
+  const auto column = static_cast<std::size_t>(vehi_no - 1);
+  const bool is_there = vehi_no >= 1 && column < vehicles.size();
+  const auto geometry = [&](std::size_t entry) {
+    return is_there ? static_cast<double>(vehicles[column].VEHICLE_GEOM[entry - 1]) : 0.0;
+  };
+  return BOTH_CLEAR_DISTANCES + 2 * geometry(2) + geometry(3) + (type - 1) * geometry(4);
+}
+
+}  // namespace
+
+void TRIM_RECORDS(const T_TRIM_TABLES& tables, const T_ENVELOPE& envelope, const T_HOST_RECORDS& host) {
+  constexpr std::int32_t FORWARD_PASS = 1;
+  search::T_REPORTED_RANGES ranges;
+  ranges.NUMBERS.resize(search::MAX_LOADED);
+  for (std::size_t side = 0; side < N_SIDES; ++side) {
+    const T_HOST_SIDE& target = host[side];
+    for (std::int32_t lane = 1; lane <= lanes_of(envelope); ++lane) {
+      const std::int32_t type = target.K_MLOAD(TYPE_OF_HB, lane);
+      const std::int32_t position = target.K_MLOAD(POSITION_OF_HB, lane);
+      if (type == 0 || position < 1 || position > tables.MAX_POINTS + 1) continue;
+      const search::T_LANE& points = tables.LANES[static_cast<std::size_t>(lane - 1)];
+      const bool is_known =
+          position <= points.LANE_STATIONS && (!points.IS_STRADDLE || envelope.STRADDLE_POINTS);
+      const real x = is_known ? points.POINT_X_REAL[static_cast<std::size_t>(position - 1)] : 0.0F;
+      const double length = zone_length(tables.VEHICLES, target.K_MLOAD(VEHI_NO, lane), type);
+      const T_LANE_LOADING& loading = envelope.LANES[side][static_cast<std::size_t>(lane - 1)];
+      const bool forward = loading.PASS_OUT == FORWARD_PASS;
+      const auto there = static_cast<real>(static_cast<double>(x) + (forward ? length : -length));
+
+      ranges.NO_LOADED_RANGE = target.K_MLOAD(NO_LOADED_RANGE, lane);
+      std::int32_t at = 0;
+      for (auto& [start, end] : ranges.PAIRS) {
+        start = target.DISTANCE_RANGE(++at, lane);
+        end = target.DISTANCE_RANGE(++at, lane);
+      }
+      for (std::int32_t i = 1; i <= search::MAX_LOADED; ++i) {
+        ranges.NUMBERS[static_cast<std::size_t>(i - 1)] = target.K_INFL_S(i, lane);
+      }
+      search::TRIM_LOADED_RANGES(forward ? there : x, forward ? x : there, ranges);
+      target.K_MLOAD(NO_LOADED_RANGE, lane) = ranges.NO_LOADED_RANGE;
+      at = 0;
+      for (const auto& [start, end] : ranges.PAIRS) {
+        target.DISTANCE_RANGE(++at, lane) = start;
+        target.DISTANCE_RANGE(++at, lane) = end;
+      }
+      copy_numbers(ranges.NUMBERS, target.K_INFL_S, lane);
+    }
+  }
 }
 
 void ADD_PASS_DIRECTION(const T_ENVELOPE& envelope, const T_HOST_RECORDS& host) {

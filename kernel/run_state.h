@@ -87,6 +87,8 @@ struct T_LANE_LOADING {
 /// with the host as they were.
 struct T_ENVELOPE {
   bool SEARCHED = false;
+  bool STRADDLE_POINTS =
+      false;  // the positions of straddle lanes' points are known to the closing passes too
   double FINAL_MAX = 0;
   double FINAL_MIN = 0;
   std::array<std::vector<T_LANE_LOADING>, N_SIDES> LANES;                      // by side, then lane

@@ -35,6 +35,7 @@ struct T_CLASS_RESULTS {
 
 /// The outcome of the lane phase: everything that the combinations need, and the distances of the ranges.
 struct T_LANE_PHASE {
+  ROW_LAYOUT LAYOUT = ROW_LAYOUT::SIMPLE;
   std::vector<std::vector<T_CLASS_RESULTS>> LANES;                             // by lane
   std::array<std::vector<search::T_RANGE_DISTANCES>, N_SIDES> DISTANCE_RANGE;  // by side, then ordinary lane
 

@@ -11,25 +11,19 @@
 
 namespace search {
 
-/// By set, as LANE_SEQUENCE numbers them.
-using T_ORDINATE_SETS = std::vector<T_ORDINATES>;
-/// By set, then plane.
+/// By set, as LANE_SEQUENCE numbers them, then plane; an ordinary lane has one plane.
 using T_PLANE_SETS = std::vector<std::vector<T_ORDINATES>>;
 
-/// Fills the sets behind the first from the lanes' own links. `drops_points` tells whether repeated points
-/// are dropped on lanes that don't keep theirs; rows behind the points left hold what the shifting left
-/// there.
+/// Fills the sets behind the first from the lanes' own links: by planes for a straddle lane, else each lane's entries
+/// averaged. `drops_points` tells whether repeated points are dropped on lanes that don't keep theirs; rows behind the
+/// points left hold what the shifting left there.
 void OTHER_LANE_ORDINATES(const std::vector<T_LANE>& lanes, const T_LANE_SEQUENCE& sequence,
-                          const T_LOAD_ORD& LOAD_ORD, bool drops_points, T_ORDINATE_SETS& sets);
-void OTHER_LANE_PLANES(const std::vector<T_LANE>& lanes, const T_LANE_SEQUENCE& sequence,
-                       const T_LOAD_ORD& LOAD_ORD, bool drops_points, T_PLANE_SETS& sets);
+                          const T_LOAD_ORD& LOAD_ORD, bool by_planes, bool drops_points, T_PLANE_SETS& sets);
 
 /// The same from the definitions of a class; a lane without one has zero ordinates. Nothing is dropped.
 void OTHER_LANE_CLASS_ORDINATES(const std::vector<T_LANE>& lanes, const T_LANE_SEQUENCE& sequence,
-                                const T_LOAD_ORD& LOAD_ORD, const T_CLASS_DEFINITIONS& definitions,
-                                std::int32_t veh_class, T_ORDINATE_SETS& sets);
-void OTHER_LANE_CLASS_PLANES(const std::vector<T_LANE>& lanes, const T_LANE_SEQUENCE& sequence,
-                             const T_LOAD_ORD& LOAD_ORD, const T_CLASS_DEFINITIONS& definitions,
-                             std::int32_t veh_class, T_PLANE_SETS& sets);
+                                const T_LOAD_ORD& LOAD_ORD, bool by_planes,
+                                const T_CLASS_DEFINITIONS& definitions, std::int32_t veh_class,
+                                T_PLANE_SETS& sets);
 
 }  // namespace search

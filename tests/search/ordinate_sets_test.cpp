@@ -43,16 +43,16 @@ TEST(ordinate_sets, other_lanes_fill_the_sets_behind_the_first_and_drop_their_ow
   const search::T_LANE_SEQUENCE sequence = search::LANE_SEQUENCE({3, 0, 2, 3}, 1);
   ASSERT_EQ(sequence.LANES, (std::vector<std::int32_t>{1, 2, 3}));
 
-  search::T_ORDINATE_SETS sets(3, search::T_ORDINATES(5, 1));
-  sets[0](1, 1) = 7;
-  search::OTHER_LANE_ORDINATES(lanes, sequence, unit_response(), true, sets);
-  EXPECT_EQ(sets[0](1, 1), 7);  // the lane's own set is the caller's
+  search::T_PLANE_SETS sets(3, std::vector<search::T_ORDINATES>(1, search::T_ORDINATES(5, 1)));
+  sets[0][0](1, 1) = 7;
+  search::OTHER_LANE_ORDINATES(lanes, sequence, unit_response(), false, true, sets);
+  EXPECT_EQ(sets[0][0](1, 1), 7);  // the lane's own set is the caller's
   // The third point goes; the last place keeps what stood there before the shift.
-  EXPECT_EQ(rows(sets[1], 5), (std::vector<real>{11, 21, 41, 41, 0}));
-  EXPECT_EQ(rows(sets[2], 4), (std::vector<real>{11, 21, 31, 0}));
+  EXPECT_EQ(rows(sets[1][0], 5), (std::vector<real>{11, 21, 41, 41, 0}));
+  EXPECT_EQ(rows(sets[2][0], 4), (std::vector<real>{11, 21, 31, 0}));
 
-  search::OTHER_LANE_ORDINATES(lanes, sequence, unit_response(), false, sets);
-  EXPECT_EQ(rows(sets[1], 4), (std::vector<real>{11, 21, 31, 41}));
+  search::OTHER_LANE_ORDINATES(lanes, sequence, unit_response(), false, false, sets);
+  EXPECT_EQ(rows(sets[1][0], 4), (std::vector<real>{11, 21, 31, 41}));
 }
 
 TEST(ordinate_sets, planes_of_another_lane_take_its_own_entries_and_are_empty_beyond_them) {
@@ -60,7 +60,7 @@ TEST(ordinate_sets, planes_of_another_lane_take_its_own_entries_and_are_empty_be
   const std::vector<T_LANE> lanes{lane_of({0, 1}, 6, 2), lane_of({0, 1}, 5, 2)};
   const search::T_LANE_SEQUENCE sequence = search::LANE_SEQUENCE({2}, 1);
   search::T_PLANE_SETS sets(2, std::vector<search::T_ORDINATES>(3, search::T_ORDINATES(3, 1)));
-  search::OTHER_LANE_PLANES(lanes, sequence, unit_response(), true, sets);
+  search::OTHER_LANE_ORDINATES(lanes, sequence, unit_response(), true, true, sets);
   EXPECT_EQ(rows(sets[1][0], 2), (std::vector<real>{11.5F, 21.5F}));
   EXPECT_EQ(rows(sets[1][1], 2), (std::vector<real>{13.5F, 23.5F}));
   EXPECT_EQ(rows(sets[1][2], 2), (std::vector<real>{7.5F, 12.5F}));
@@ -82,15 +82,15 @@ TEST(ordinate_sets, a_named_lane_without_class_definition_has_zero_ordinates) {
   ASSERT_FALSE(definitions.CLASS_LANE_TABLE.ADD(4, 2, 9));  // as many slots as definitions
 
   const search::T_LANE_SEQUENCE sequence = search::LANE_SEQUENCE({2, 3}, 1);
-  search::T_ORDINATE_SETS sets(3, search::T_ORDINATES(3, 1));
-  sets[1](1, 1) = 7;
-  search::OTHER_LANE_CLASS_ORDINATES(lanes, sequence, unit_response(), definitions, 4, sets);
-  EXPECT_EQ(rows(sets[1], 2), (std::vector<real>{0, 0}));
-  EXPECT_EQ(rows(sets[2], 2),
+  search::T_PLANE_SETS sets(3, std::vector<search::T_ORDINATES>(1, search::T_ORDINATES(3, 1)));
+  sets[1][0](1, 1) = 7;
+  search::OTHER_LANE_CLASS_ORDINATES(lanes, sequence, unit_response(), false, definitions, 4, sets);
+  EXPECT_EQ(rows(sets[1][0], 2), (std::vector<real>{0, 0}));
+  EXPECT_EQ(rows(sets[2][0], 2),
             (std::vector<real>{8, 0}));  // (3 + 5 + 8) / 2; the definition lacks the second point
 
   search::T_PLANE_SETS plane_sets(3, std::vector<search::T_ORDINATES>(2, search::T_ORDINATES(3, 1)));
-  search::OTHER_LANE_CLASS_PLANES(lanes, sequence, unit_response(), definitions, 4, plane_sets);
+  search::OTHER_LANE_CLASS_ORDINATES(lanes, sequence, unit_response(), true, definitions, 4, plane_sets);
   EXPECT_EQ(rows(plane_sets[2][0], 1), (std::vector<real>{8}));
   EXPECT_EQ(rows(plane_sets[2][1], 1), (std::vector<real>{0}));
 }
