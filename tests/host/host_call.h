@@ -3,17 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <system_error>
-#include <type_traits>
 #include <vector>
 
 #include "include/movload.h"
@@ -52,32 +48,19 @@ struct LANES_OF {
 
 /// Everything that a host hands over to be written.
 struct ARGUMENTS {
-  explicit ARGUMENTS(int lanes)
-      : NUM_LANE(lanes),
-        K_MXLOAD(10, lanes),
-        K_MNLOAD(10, lanes),
-        K_MAXINFL_S(1000, lanes),
-        K_MININFL_S(1000, lanes),
-        K_MXLOAD1ST(10, lanes),
-        K_MNLOAD1ST(10, lanes),
-        K_MXLOAD2ND(10, lanes),
-        K_MNLOAD2ND(10, lanes),
-        K_MAXINFL_S1ST(1000, lanes),
-        K_MININFL_S1ST(1000, lanes),
-        K_MAXINFL_S2ND(1000, lanes),
-        K_MININFL_S2ND(1000, lanes),
-        DISTANCE_MAX_RANGE(200, lanes),
-        DISTANCE_MIN_RANGE(200, lanes) {}
+  using INTEGERS = LANES_OF<std::int32_t>;
+  explicit ARGUMENTS(int lanes) : NUM_LANE(lanes) {}
 
   std::int32_t NUM_LANE;
-  double FINAL_MAX = UNTOUCHED;
-  double FINAL_MIN = UNTOUCHED;
-  LANES_OF<std::int32_t> K_MXLOAD, K_MNLOAD;
+  double FINAL_MAX = UNTOUCHED, FINAL_MIN = UNTOUCHED;
   std::int32_t MODE_CODE = 0;
-  LANES_OF<std::int32_t> K_MAXINFL_S, K_MININFL_S;
-  LANES_OF<std::int32_t> K_MXLOAD1ST, K_MNLOAD1ST, K_MXLOAD2ND, K_MNLOAD2ND;
-  LANES_OF<std::int32_t> K_MAXINFL_S1ST, K_MININFL_S1ST, K_MAXINFL_S2ND, K_MININFL_S2ND;
-  LANES_OF<float> DISTANCE_MAX_RANGE, DISTANCE_MIN_RANGE;
+  INTEGERS K_MXLOAD{10, NUM_LANE}, K_MNLOAD{10, NUM_LANE};
+  INTEGERS K_MAXINFL_S{1000, NUM_LANE}, K_MININFL_S{1000, NUM_LANE};
+  INTEGERS K_MXLOAD1ST{10, NUM_LANE}, K_MNLOAD1ST{10, NUM_LANE};
+  INTEGERS K_MXLOAD2ND{10, NUM_LANE}, K_MNLOAD2ND{10, NUM_LANE};
+  INTEGERS K_MAXINFL_S1ST{1000, NUM_LANE}, K_MININFL_S1ST{1000, NUM_LANE};
+  INTEGERS K_MAXINFL_S2ND{1000, NUM_LANE}, K_MININFL_S2ND{1000, NUM_LANE};
+  LANES_OF<float> DISTANCE_MAX_RANGE{200, NUM_LANE}, DISTANCE_MIN_RANGE{200, NUM_LANE};
 
   /// One run, into these arguments as they stand.
   void RUN(std::string_view base, std::int32_t mode_code, std::int32_t kind, std::int32_t id,
@@ -93,23 +76,23 @@ struct ARGUMENTS {
                       DISTANCE_MAX_RANGE.values.data(), DISTANCE_MIN_RANGE.values.data());
   }
 
-  /// Calls visit(name, array) for every array.
+  /// Calls visit(name, array, array of the other arguments) for every array.
   template <class VISITOR>
-  void EACH_ARRAY(VISITOR visit) const {
-    visit("K_MXLOAD", K_MXLOAD);
-    visit("K_MNLOAD", K_MNLOAD);
-    visit("K_MAXINFL_S", K_MAXINFL_S);
-    visit("K_MININFL_S", K_MININFL_S);
-    visit("K_MXLOAD1ST", K_MXLOAD1ST);
-    visit("K_MNLOAD1ST", K_MNLOAD1ST);
-    visit("K_MXLOAD2ND", K_MXLOAD2ND);
-    visit("K_MNLOAD2ND", K_MNLOAD2ND);
-    visit("K_MAXINFL_S1ST", K_MAXINFL_S1ST);
-    visit("K_MININFL_S1ST", K_MININFL_S1ST);
-    visit("K_MAXINFL_S2ND", K_MAXINFL_S2ND);
-    visit("K_MININFL_S2ND", K_MININFL_S2ND);
-    visit("DISTANCE_MAX_RANGE", DISTANCE_MAX_RANGE);
-    visit("DISTANCE_MIN_RANGE", DISTANCE_MIN_RANGE);
+  void EACH_ARRAY(const ARGUMENTS& other, VISITOR visit) const {
+    visit("K_MXLOAD", K_MXLOAD, other.K_MXLOAD);
+    visit("K_MNLOAD", K_MNLOAD, other.K_MNLOAD);
+    visit("K_MAXINFL_S", K_MAXINFL_S, other.K_MAXINFL_S);
+    visit("K_MININFL_S", K_MININFL_S, other.K_MININFL_S);
+    visit("K_MXLOAD1ST", K_MXLOAD1ST, other.K_MXLOAD1ST);
+    visit("K_MNLOAD1ST", K_MNLOAD1ST, other.K_MNLOAD1ST);
+    visit("K_MXLOAD2ND", K_MXLOAD2ND, other.K_MXLOAD2ND);
+    visit("K_MNLOAD2ND", K_MNLOAD2ND, other.K_MNLOAD2ND);
+    visit("K_MAXINFL_S1ST", K_MAXINFL_S1ST, other.K_MAXINFL_S1ST);
+    visit("K_MININFL_S1ST", K_MININFL_S1ST, other.K_MININFL_S1ST);
+    visit("K_MAXINFL_S2ND", K_MAXINFL_S2ND, other.K_MAXINFL_S2ND);
+    visit("K_MININFL_S2ND", K_MININFL_S2ND, other.K_MININFL_S2ND);
+    visit("DISTANCE_MAX_RANGE", DISTANCE_MAX_RANGE, other.DISTANCE_MAX_RANGE);
+    visit("DISTANCE_MIN_RANGE", DISTANCE_MIN_RANGE, other.DISTANCE_MIN_RANGE);
   }
 };
 
@@ -117,46 +100,24 @@ struct ARGUMENTS {
 inline std::string DIFFERENCE(const ARGUMENTS& expected, const ARGUMENTS& got) {
   std::ostringstream text;
   text.precision(17);
-  const auto same = [](double a, double b) {
-    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+  const auto compare = [&](const std::string& name, const auto& wanted, const auto& found) {
+    if (text.view().empty() && std::memcmp(&wanted, &found, sizeof wanted) != 0)
+      text << name << ": expected " << wanted << ", got " << found;
   };
-  const auto scalar = [&](const char* name, auto wanted, auto found, bool equal) {
-    if (!equal && text.view().empty()) text << name << ": expected " << wanted << ", got " << found;
-  };
-  scalar("MODE_CODE", expected.MODE_CODE, got.MODE_CODE, expected.MODE_CODE == got.MODE_CODE);
-  scalar("NUM_LANE", expected.NUM_LANE, got.NUM_LANE, expected.NUM_LANE == got.NUM_LANE);
-  scalar("FINAL_MAX", expected.FINAL_MAX, got.FINAL_MAX, same(expected.FINAL_MAX, got.FINAL_MAX));
-  scalar("FINAL_MIN", expected.FINAL_MIN, got.FINAL_MIN, same(expected.FINAL_MIN, got.FINAL_MIN));
-
-  struct array_bytes {
-    const char* name;
-    const void* data;
-    std::size_t size;
-  };
-  std::vector<array_bytes> found;
-  got.EACH_ARRAY([&](const char* name, const auto& array) {
-    found.push_back({name, array.values.data(), array.values.size() * sizeof array.values[0]});
-  });
-  std::size_t at = 0;
-  expected.EACH_ARRAY([&](const char* name, const auto& wanted) {
-    using VALUE = std::decay_t<decltype(wanted.values[0])>;
-    const array_bytes& other = found[at++];
-    const std::size_t size = wanted.values.size() * sizeof(VALUE);
+  compare("MODE_CODE", expected.MODE_CODE, got.MODE_CODE);
+  compare("NUM_LANE", expected.NUM_LANE, got.NUM_LANE);
+  compare("FINAL_MAX", expected.FINAL_MAX, got.FINAL_MAX);
+  compare("FINAL_MIN", expected.FINAL_MIN, got.FINAL_MIN);
+  expected.EACH_ARRAY(got, [&](const std::string& name, const auto& wanted, const auto& found) {
+    const std::size_t size = wanted.values.size();
+    compare("size of " + name, size, found.values.size());
     if (!text.view().empty()) return;
-    if (other.size != size) {
-      text << name << ": arrays for different numbers of lanes";
-      return;
-    }
-    if (std::memcmp(wanted.values.data(), other.data, size) == 0) return;
-    for (std::size_t i = 0; i < wanted.values.size(); ++i) {
-      VALUE value;
-      std::memcpy(&value, static_cast<const char*>(other.data) + i * sizeof value, sizeof value);
-      if (std::memcmp(&value, &wanted.values[i], sizeof value) == 0) continue;
-      const auto per_lane = static_cast<std::size_t>(wanted.PER_LANE);
-      text << name << "(" << i % per_lane + 1 << ", lane " << i / per_lane + 1 << "): expected "
-           << wanted.values[i] << ", got " << value;
-      return;
-    }
+    if (std::memcmp(wanted.values.data(), found.values.data(), size * sizeof wanted.values[0]) == 0) return;
+    const auto per_lane = static_cast<std::size_t>(wanted.PER_LANE);
+    for (std::size_t i = 0; i < size; ++i)
+      compare(
+          name + "(" + std::to_string(i % per_lane + 1) + ", lane " + std::to_string(i / per_lane + 1) + ")",
+          wanted.values[i], found.values[i]);
   });
   return text.str();
 }
@@ -192,29 +153,5 @@ inline LANE_COUNT NUM_LANE(std::string_view base, std::int32_t mode_code) {
                              &count.NUM_LANE);
   return count;
 }
-
-/// A directory of its own for a test's model files, removed in the end.
-class TEMPORARY_DIRECTORY {
- public:
-  TEMPORARY_DIRECTORY() {
-    const std::filesystem::path root = std::filesystem::temp_directory_path();
-    for (unsigned number = 0;; ++number) {
-      path_ = root / ("movload_host_" + std::to_string(number));
-      if (std::filesystem::create_directory(path_)) return;
-    }
-  }
-  ~TEMPORARY_DIRECTORY() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TEMPORARY_DIRECTORY(const TEMPORARY_DIRECTORY&) = delete;
-  TEMPORARY_DIRECTORY& operator=(const TEMPORARY_DIRECTORY&) = delete;
-
-  /// Base name of a model's files.
-  [[nodiscard]] std::string BASE(const std::string& stem = "model") const { return (path_ / stem).string(); }
-
- private:
-  std::filesystem::path path_;
-};
 
 }  // namespace host

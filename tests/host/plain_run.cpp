@@ -5,22 +5,16 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <map>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "tests/search/plain_search.h"
 
 namespace plain {
 
-using modelkit::T_CLASS_DEFINITION;
-using modelkit::T_COMBINATION;
-using modelkit::T_LANE;
-using modelkit::T_LANE_LOAD;
-using modelkit::T_LOAD_SHARE;
-using modelkit::T_MODEL;
-using modelkit::T_MOVING_LOAD_CASE;
-using modelkit::T_RESPONSE;
-using modelkit::T_VEHICLE;
-using modelkit::T_VEHICLE_GROUP;
+using namespace modelkit;
 
 namespace {
 
@@ -46,9 +40,7 @@ int truncated(float value) {
 }
 
 struct VEHICLE {
-  int VEH_GROUP = 0;
-  int VEH_CLASS = 0;
-  int VEHICLE_CODE = 0;
+  int VEH_GROUP = 0, VEH_CLASS = 0, VEHICLE_CODE = 0;
   HA_CURVE CURVE;
   float KEL_LOAD = 0;
 };
@@ -56,18 +48,14 @@ struct VEHICLE {
 /// What a search found for one side of a lane under one lane code, and what a combination takes over of it.
 struct FILED {
   float VALUE = 0;
-  int PASS = 0;
-  int W_MILLI = 0;
-  int LOADED_COUNT = 0;
-  int KEL_POINT = 0;
+  int PASS = 0, W_MILLI = 0, LOADED_COUNT = 0, KEL_POINT = 0;
   std::vector<int> NUMBERS;
 };
 
 /// What a lane shows of a combination.
 struct SHOWN {
   FILED LOADING;
-  int FACTOR = 0;
-  int PLANE_FACTOR = 0;
+  int FACTOR = 0, PLANE_FACTOR = 0;
 };
 
 /// The best combination of a side.
@@ -96,7 +84,7 @@ class JUDGE {
     std::array<BEST, 2> best;
     if (fetch(kind, id, item)) {
       find_lane_vehicles();
-      search_lanes();
+      for (int lane = 1; lane <= lanes() - straddle_lanes_; ++lane) search_lane(lane);
       best = combine(mv_case);
       host_.FINAL_MAX = static_cast<double>(best[0].PEAK);
       host_.FINAL_MIN = static_cast<double>(best[1].PEAK);
@@ -115,27 +103,25 @@ class JUDGE {
     const int geometry = vehicle.geometry_count.value_or(count(vehicle.geometry)) + 1;
     const bool has_load = loads >= 1 && !vehicle.loads.empty();
     const bool has_length = geometry >= 1 && !vehicle.geometry.empty();
-    vehicles_.push_back({.VEH_GROUP = group,
-                         .VEH_CLASS = vehicle.vehicle_class,
-                         .VEHICLE_CODE = vehicle.code,
-                         .CURVE = {.W0 = static_cast<float>(vehicle.ha_w0),
-                                   .K = static_cast<float>(vehicle.ha_k),
-                                   .WMIN = static_cast<float>(vehicle.ha_wmin),
-                                   .P = static_cast<float>(vehicle.ha_p),
-                                   .L0 = has_length ? static_cast<float>(vehicle.geometry[0]) : 0.0F},
-                         .KEL_LOAD = has_load ? static_cast<float>(vehicle.loads[0]) : 0.0F});
-    classes_ = std::max(classes_, vehicle.vehicle_class);
+    // clang-format off
+    const HA_CURVE curve{.W0 = static_cast<float>(vehicle.ha_w0), .K = static_cast<float>(vehicle.ha_k),
+                         .WMIN = static_cast<float>(vehicle.ha_wmin), .P = static_cast<float>(vehicle.ha_p),
+                         .L0 = has_length ? static_cast<float>(vehicle.geometry[0]) : 0.0F};
+    // clang-format on
+    vehicles_.push_back({group, vehicle.vehicle_class, vehicle.code, curve,
+                         has_load ? static_cast<float>(vehicle.loads[0]) : 0.0F});
   }
 
   void clear() {
+    const auto clear_array = [&](auto& array) {
+      const auto entries = static_cast<std::ptrdiff_t>(array.PER_LANE) * host_lanes_;
+      std::fill(array.values.begin(), array.values.begin() + entries, 0);
+    };
     for (auto* array :
          {&host_.K_MXLOAD1ST, &host_.K_MNLOAD1ST, &host_.K_MXLOAD2ND, &host_.K_MNLOAD2ND,
           &host_.K_MAXINFL_S1ST, &host_.K_MININFL_S1ST, &host_.K_MAXINFL_S2ND, &host_.K_MININFL_S2ND})
-      for (int lane = 1; lane <= host_lanes_; ++lane)
-        for (int k = 1; k <= array->PER_LANE; ++k) (*array)(k, lane) = 0;
-    for (auto* array : {&host_.DISTANCE_MAX_RANGE, &host_.DISTANCE_MIN_RANGE})
-      for (int lane = 1; lane <= host_lanes_; ++lane)
-        for (int k = 1; k <= array->PER_LANE; ++k) (*array)(k, lane) = 0;
+      clear_array(*array);
+    for (auto* array : {&host_.DISTANCE_MAX_RANGE, &host_.DISTANCE_MIN_RANGE}) clear_array(*array);
   }
 
   /// The component of the result under every unit load; false where the kind has nothing to search.
@@ -156,26 +142,18 @@ class JUDGE {
       }
       return false;
     };
+    // clang-format off
     switch (kind) {
-      case MOVLOAD_RK_DISP:
-        return by_id(model_.disp);
-      case MOVLOAD_RK_SIMB:
-        return by_id(model_.simb);
-      case MOVLOAD_RK_ELNK:
-        return by_id(model_.elnk);
-      case MOVLOAD_RK_NLNK:
-        return by_id(model_.nlnk);
-      case MOVLOAD_RK_REAC:
-        first_of(model_.reac);
-        return true;
-      case MOVLOAD_RK_LRAC:
-        first_of(model_.lrac);
-        return !model_.lrac.empty();
-      case MOVLOAD_RK_LDSP:
-        return first_of(model_.ldisp);
-      default:
-        return false;
+      case MOVLOAD_RK_DISP: return by_id(model_.disp);
+      case MOVLOAD_RK_SIMB: return by_id(model_.simb);
+      case MOVLOAD_RK_ELNK: return by_id(model_.elnk);
+      case MOVLOAD_RK_NLNK: return by_id(model_.nlnk);
+      case MOVLOAD_RK_REAC: return first_of(model_.reac), true;
+      case MOVLOAD_RK_LRAC: return first_of(model_.lrac), !model_.lrac.empty();
+      case MOVLOAD_RK_LDSP: return first_of(model_.ldisp);
+      default: return false;
     }
+    // clang-format on
   }
 
   void take(const T_RESPONSE& response, std::int32_t item) {
@@ -185,12 +163,6 @@ class JUDGE {
       load_ord_(load) = entry(line, load);
   }
 
-  template <class VISITOR>
-  void each_lane_load(VISITOR visit) const {
-    for (const T_MOVING_LOAD_CASE& load_case : model_.moving_load_cases)
-      for (const T_COMBINATION& combination : load_case.combinations)
-        for (int lane = 1; lane <= lanes(); ++lane) visit(lane, load_on(combination, lane));
-  }
   static T_LANE_LOAD load_on(const T_COMBINATION& combination, int lane) {
     return lane <= count(combination) ? entry(combination, lane) : T_LANE_LOAD{};
   }
@@ -198,54 +170,30 @@ class JUDGE {
   /// A column belongs to a lane where a code asks for its group, and is searched where one of these codes has
   /// a scale.
   void find_lane_vehicles() {
-    const auto columns = vehicles_.size();
-    lane_vehicle_.assign(model_.lanes.size(), std::vector<bool>(columns, false));
-    class_use_.assign(model_.lanes.size(), std::vector<bool>(static_cast<std::size_t>(classes_) + 1, false));
-    const auto group_of = [](const T_LANE_LOAD& load) {
-      return static_cast<int>(std::ceil(static_cast<float>(load.code * 0.25)));
-    };
-    each_lane_load([&](int lane, const T_LANE_LOAD& load) {
-      const int t = group_of(load);
-      for (std::size_t j = 0; t != 0 && j < columns; ++j)
-        if (vehicles_[j].VEH_GROUP == t) lane_vehicle_[static_cast<std::size_t>(lane) - 1][j] = true;
-    });
-    each_lane_load([&](int lane, const T_LANE_LOAD& load) {
-      const int t = group_of(load);
-      if (t == 0 || static_cast<float>(load.scale) == 0) return;
-      for (std::size_t j = 0; j < columns; ++j)
-        if (serves(lane, j) && vehicles_[j].VEH_GROUP == t)
-          class_use_[static_cast<std::size_t>(lane) - 1][static_cast<std::size_t>(vehicles_[j].VEH_CLASS)] =
-              true;
-    });
+    for (const T_MOVING_LOAD_CASE& load_case : model_.moving_load_cases)
+      for (const T_COMBINATION& combination : load_case.combinations)
+        for (int lane = 1; lane <= lanes(); ++lane) find_vehicles(lane, load_on(combination, lane));
   }
-  /// Column j (from 0) was found on the lane, with a class and a group.
-  [[nodiscard]] bool serves(int lane, std::size_t j) const {
-    return lane_vehicle_[static_cast<std::size_t>(lane) - 1][j] && vehicles_[j].VEH_CLASS != 0 &&
-           vehicles_[j].VEH_GROUP != 0;
-  }
-
-  void search_lanes() {
-    filed_.assign(model_.lanes.size(), std::vector<std::array<FILED, 2>>(
-                                           static_cast<std::size_t>(classes_ * CODES_PER_CLASS + 1)));
-    for (int lane = 1; lane <= lanes(); ++lane)
-      if (!straddles(lane)) search_lane(lane);
+  void find_vehicles(int lane, const T_LANE_LOAD& load) {
+    const int t = static_cast<int>(std::ceil(static_cast<float>(load.code * 0.25)));
+    for (const VEHICLE& vehicle : vehicles_) {
+      if (t == 0 || vehicle.VEH_GROUP != t || vehicle.VEH_CLASS == 0) continue;
+      lane_vehicle_.insert({lane, &vehicle});
+      if (static_cast<float>(load.scale) != 0) class_use_.insert({lane, vehicle.VEH_CLASS});
+    }
   }
 
   void search_lane(int lane) {
     const T_LANE& own = entry(model_.lanes, lane);
     const LIST<float> ordinates = lane_ordinates(own);
     std::array<int, 2> kel_point{};
-    float highest = 0;
-    float lowest = 0;
+    std::array<float, 2> peak{};
     LINE line;
     for (int k = 1; k <= ordinates.count(); ++k) {
-      if (ordinates(k) > highest) {
-        highest = ordinates(k);
-        kel_point[0] = k;
-      }
-      if (ordinates(k) < lowest) {
-        lowest = ordinates(k);
-        kel_point[1] = k;
+      for (const std::size_t side : {0U, 1U}) {
+        if (side == 0 ? ordinates(k) <= peak[0] : ordinates(k) >= peak[1]) continue;
+        peak[side] = ordinates(k);
+        kel_point[side] = k;
       }
       line.X.add(static_cast<float>(entry(own.points, k).x));
       line.BEFORE.add(ordinates(k));
@@ -257,14 +205,11 @@ class JUDGE {
     write_distances(distances.POSITIVE, host_.DISTANCE_MAX_RANGE, lane);
     write_distances(distances.NEGATIVE, host_.DISTANCE_MIN_RANGE, lane);
 
-    std::vector<bool> class_done(static_cast<std::size_t>(classes_) + 1, false);
-    for (std::size_t j = 0; j < vehicles_.size(); ++j) {
-      const VEHICLE& vehicle = vehicles_[j];
-      const auto its_class = static_cast<std::size_t>(vehicle.VEH_CLASS);
-      if (!serves(lane, j) || !class_use_[static_cast<std::size_t>(lane) - 1][its_class]) continue;
-      if (class_done[its_class]) continue;
-      class_done[its_class] = true;
-      if (vehicle.VEHICLE_CODE != BS_5400) continue;
+    std::set<int> class_done;
+    for (const VEHICLE& vehicle : vehicles_) {
+      if (!lane_vehicle_.contains({lane, &vehicle}) || !class_use_.contains({lane, vehicle.VEH_CLASS}))
+        continue;
+      if (!class_done.insert(vehicle.VEH_CLASS).second || vehicle.VEHICLE_CODE != BS_5400) continue;
 
       LINE of_class = line;
       // With axle lists in the model a definition serves the axles of an HB only.
@@ -275,16 +220,11 @@ class JUDGE {
         of_class.AFTER = of_class.BEFORE;
       }
       const HA_RESULT found = HA_SEARCH_LANE(of_class, vehicle.CURVE, vehicle.KEL_LOAD);
-      auto& filed = filed_[static_cast<std::size_t>(lane) - 1]
-                          [(its_class - 1) * CODES_PER_CLASS + static_cast<std::size_t>(HA_ALONE)];
+      auto& filed = filed_[{lane, (vehicle.VEH_CLASS - 1) * CODES_PER_CLASS + HA_ALONE}];
       for (const std::size_t side : {0U, 1U}) {
         const HA_SIDE& its_side = side == 0 ? found.MAX : found.MIN;
-        filed[side] = {.VALUE = its_side.VALUE,
-                       .PASS = 1,
-                       .W_MILLI = its_side.W_MILLI,
-                       .LOADED_COUNT = its_side.LOADED_COUNT,
-                       .KEL_POINT = kel_point[side],
-                       .NUMBERS = its_side.NUMBERS};
+        filed[side] = {its_side.VALUE,  1, its_side.W_MILLI, its_side.LOADED_COUNT, kel_point[side],
+                       its_side.NUMBERS};
       }
     }
   }
@@ -293,25 +233,19 @@ class JUDGE {
     constexpr int SPREAD_PAIRS = 4;
     const double F = static_cast<double>(static_cast<float>(1.0 / lane.entries_per_point));
     LIST<float> row;
-    for (const modelkit::T_INFLUENCE_POINT& point : lane.points) {
+    for (const T_INFLUENCE_POINT& point : lane.points) {
       const double G = point.impact + 1.0;
       float sum = 0;
-      const auto add = [&](const T_LOAD_SHARE& link) {
-        if (link.load > 0) {
-          const auto weight = static_cast<float>(link.weight * F * G);
-          sum += weight * load_ord_(link.load);
-        }
-        if (link.load < 0) {
-          const modelkit::T_SPREAD_ROW& group = entry(lane.spread_rows, -link.load);
-          for (int i = 1; i <= std::min(count(group), SPREAD_PAIRS); ++i) {
-            const auto weight = static_cast<float>(entry(group, i).weight * F * G);
-            sum += weight * load_ord_(entry(group, i).load);
-          }
-        }
+      const auto add = [&](const T_LOAD_SHARE& share) {
+        sum += static_cast<float>(share.weight * F * G) * load_ord_(share.load);
       };
       for (int t = 1; t <= std::min(lane.entries_per_point, count(point.entries)); ++t) {
-        add(entry(point.entries, t).a);
-        add(entry(point.entries, t).b);
+        for (const T_LOAD_SHARE& link : {entry(point.entries, t).a, entry(point.entries, t).b}) {
+          if (link.load > 0) add(link);
+          if (link.load >= 0) continue;
+          const T_SPREAD_ROW& group = entry(lane.spread_rows, -link.load);
+          for (int i = 1; i <= std::min(count(group), SPREAD_PAIRS); ++i) add(entry(group, i));
+        }
       }
       row.add(sum);
     }
@@ -319,13 +253,11 @@ class JUDGE {
   }
 
   static void drop_repeated_points(LINE& line) {
-    const auto drop = [](LIST<float>& list, int j) { list.values.erase(list.values.begin() + (j - 1)); };
     for (int i = 1; i < line.n(); ++i) {
       int j = i + 1;
       while (j <= line.n() && line.X(j) != line.X(i)) ++j;
       if (j > line.n()) continue;
-      drop(line.X, j);
-      drop(line.BEFORE, j);
+      for (auto* list : {&line.X, &line.BEFORE}) list->values.erase(list->values.begin() + (j - 1));
     }
   }
 
@@ -369,7 +301,7 @@ class JUDGE {
     return row;
   }
 
-  std::array<BEST, 2> combine(std::int32_t mv_case) const {
+  std::array<BEST, 2> combine(std::int32_t mv_case) {
     std::array<BEST, 2> best;
     if (mv_case < 1 || mv_case > count(model_.moving_load_cases)) return best;
     for (const T_COMBINATION& combination : entry(model_.moving_load_cases, mv_case).combinations) {
@@ -382,10 +314,9 @@ class JUDGE {
           if (load.code == 0 || scale == 0) continue;
           const int sub_case = (load.code - 1) % CODES_PER_CLASS + 1;
           const int its_class = (load.code - sub_case) / CODES_PER_CLASS + 1;
-          for (std::size_t j = 0; j < vehicles_.size(); ++j) {
-            if (!serves(lane, j) || vehicles_[j].VEH_CLASS != its_class) continue;
-            const FILED& filed =
-                filed_[static_cast<std::size_t>(lane) - 1][static_cast<std::size_t>(load.code)][side];
+          for (const VEHICLE& vehicle : vehicles_) {
+            if (vehicle.VEH_CLASS != its_class || !lane_vehicle_.contains({lane, &vehicle})) continue;
+            const FILED& filed = filed_[{lane, load.code}][side];
             SHOWN& shown = candidate.LANES[static_cast<std::size_t>(lane) - 1];
             candidate.PEAK += filed.VALUE * scale;
             candidate.COMB_CLASS = its_class;
@@ -408,17 +339,11 @@ class JUDGE {
       const FILED& loading = shown.LOADING;
       // No HB anywhere: type 1 in every ordinary lane.
       const int comb_type = (straddles(lane) ? 0 : 1) + 100 * loading.PASS;
-      const std::array<int, 10> fields{best.COMB_CLASS,
-                                       loading.W_MILLI,
-                                       loading.LOADED_COUNT,
-                                       0,
-                                       0,
-                                       shown.FACTOR,
-                                       0,
-                                       loading.KEL_POINT,
-                                       comb_type,
-                                       0};
-      for (int k = 1; k <= 10; ++k) record(k, lane) = fields[static_cast<std::size_t>(k) - 1];
+      // clang-format off
+      const int fields[] = {best.COMB_CLASS, loading.W_MILLI, loading.LOADED_COUNT, 0, 0, shown.FACTOR, 0,
+                            loading.KEL_POINT, comb_type, 0};
+      // clang-format on
+      for (int k = 1; k <= 10; ++k) record(k, lane) = fields[k - 1];
       for (int k = 1; k <= 500; ++k)
         numbers(k, lane) = k <= count(loading.NUMBERS) ? entry(loading.NUMBERS, k) : 0;
       for (auto* plane : plane_records) {
@@ -432,13 +357,12 @@ class JUDGE {
   host::ARGUMENTS& host_;
   int host_lanes_;
   int straddle_lanes_ = 0;
-  int classes_ = 0;
   bool has_definitions_ = false;
   LIST<float> load_ord_;
   std::vector<VEHICLE> vehicles_;
-  std::vector<std::vector<bool>> lane_vehicle_;           // [lane][column]
-  std::vector<std::vector<bool>> class_use_;              // [lane][class]
-  std::vector<std::vector<std::array<FILED, 2>>> filed_;  // [lane][code]
+  std::set<std::pair<int, const VEHICLE*>> lane_vehicle_;
+  std::set<std::pair<int, int>> class_use_;                    // (lane, class)
+  std::map<std::pair<int, int>, std::array<FILED, 2>> filed_;  // (lane, code)
 };
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
-#include "tests/kernel/temporary_directory.h"
+#include "tests/temporary_directory.h"
 
 namespace kernel {
 namespace {
@@ -50,16 +50,16 @@ class record_file : public testing::Test {
 
 TEST_F(record_file, reads_records_of_any_length_in_any_order) {
   std::mt19937 random(5);
+  const auto up_to = [&](std::int64_t top) {
+    return std::uniform_int_distribution<std::int64_t>(0, top)(random);
+  };
   for (const std::int64_t length : {1, 12, 28, 4868, 16 * 1024 + 4, 1024 * 1024 + 4}) {
     ASSERT_TRUE(unit_.RECONNECT(length).OK());
     const std::int64_t records = unit_.FILE_BYTES() / length;
     const std::int64_t step = std::max<std::int64_t>(1, records / 3000);
     for (std::int64_t n = 1; n <= records; n += step) EXPECT_READS(n, length);
     for (std::int64_t n = records; n >= 1; n -= step) EXPECT_READS(n, length);
-    for (int i = 0; i < 300; ++i) {
-      EXPECT_READS(std::uniform_int_distribution<std::int64_t>(1, records)(random),
-                   std::uniform_int_distribution<std::int64_t>(0, length)(random));
-    }
+    for (int i = 0; i < 300; ++i) EXPECT_READS(1 + up_to(records - 1), up_to(length));
   }
 }
 
@@ -97,15 +97,11 @@ TEST_F(record_file, offsets_beyond_4_GB_are_reached) {
 }
 
 TEST(block_names, the_analysis_code_chooses_the_extension) {
-  for (const auto& [code, name] : {std::pair{0, "b.ZA3"},
-                                   {1, "b.YA3"},
-                                   {2, "b.XA3"},
-                                   {3, "b.WA3"},
-                                   {4, "b.ZAX3"},
-                                   {101, "b.YA3"},
-                                   {5, ""},
-                                   {-1, ""},
-                                   {100, ""}})
+  // clang-format off
+  for (const auto& [code, name] :
+       {std::pair{0, "b.ZA3"}, {1, "b.YA3"}, {2, "b.XA3"}, {3, "b.WA3"}, {4, "b.ZAX3"}, {101, "b.YA3"},
+        {5, ""}, {-1, ""}, {100, ""}})
+    // clang-format on
     EXPECT_EQ(MAKE_BLOCK_FILE_NAME("b", code), name);
 }
 
@@ -158,11 +154,6 @@ TEST_P(directory, every_block_is_found_and_left_connected) {
         EXPECT_EQ(found.REC_WORDS, written.record_words);
         EXPECT_EQ(unit_.RECORD_BYTES(), 4 * written.record_words);
       }
-      const T_BLOCK counts = FIND("MVIF");
-      EXPECT_EQ(counts.NUM_REC, 1);
-      const std::byte* record = nullptr;
-      ASSERT_TRUE(unit_.READ(counts.FIRST_REC, 8, record).OK());
-      EXPECT_EQ(UNPACK(record).SKIP(4).NEXT<std::int32_t>(), 1);
       // A foreign block has this tag under another id, in front of ours.
       EXPECT_EQ(FIND("MVIF", 1005).REC_WORDS, foreign_groups > 0 ? 3 : 0);
       EXPECT_EQ(STATUS_OF("MVIF", 5), FIND_STATUS::NOT_FOUND);

@@ -15,13 +15,9 @@ struct HOST {
   explicit HOST(std::int32_t lanes) {
     for (std::size_t side = 0; side < N_SIDES; ++side) {
       auto& [mload, mloadb, infl_s, infl_sb, distances] = arrays[side];
-      mload.RESIZE(10, lanes);
-      infl_s.RESIZE(HOST_NUMBERS, lanes);
+      for (auto* record : {&mload, &mloadb[0], &mloadb[1]}) record->RESIZE(10, lanes);
+      for (auto* numbers : {&infl_s, &infl_sb[0], &infl_sb[1]}) numbers->RESIZE(HOST_NUMBERS, lanes);
       distances.RESIZE(HOST_DISTANCES, lanes);
-      for (const std::size_t plane : {0U, 1U}) {
-        mloadb[plane].RESIZE(10, lanes);
-        infl_sb[plane].RESIZE(HOST_NUMBERS, lanes);
-      }
       view[side] = {mload.VIEW(),
                     {mloadb[0].VIEW(), mloadb[1].VIEW()},
                     infl_s.VIEW(),
@@ -40,13 +36,10 @@ struct HOST {
   T_HOST_RECORDS view;
 };
 
-/// A lane before and after the check.
-struct LANE_CHECK {
-  std::int32_t hb_type, position, portion;
-  std::int32_t new_position, new_portion, comb_type;
-};
 struct CHECK_CASE {
-  std::vector<LANE_CHECK> lanes;
+  /// Of every lane the type and position of its HB and its portion before the check, then position, portion
+  /// and combination type after it.
+  std::vector<std::array<std::int32_t, 6>> lanes;
   std::int32_t messages = 0;
   T_POINT_RULES rules{.POINTS_PER_SEGMENT = 3};
   std::int32_t straddle_lanes = 0;
@@ -86,18 +79,18 @@ TEST(closing_passes, the_combination_type_follows_from_hb_and_full_ha) {
       HOST host(lanes);
       auto& records = host.arrays[side].mload;
       std::int32_t lane = 0;
-      for (const LANE_CHECK& check : test.lanes) {
-        records(TYPE_OF_HB, ++lane) = check.hb_type;
-        records(POSITION_OF_HB, lane) = check.position;
-        records(HA_UDL_PORTION, lane) = check.portion;
+      for (const auto& check : test.lanes) {
+        records(TYPE_OF_HB, ++lane) = check[0];
+        records(POSITION_OF_HB, lane) = check[1];
+        records(HA_UDL_PORTION, lane) = check[2];
       }
       EXPECT_EQ(CHECK_LOAD_COMBINATION(host.view, lanes, test.straddle_lanes, test.rules), test.messages);
       lane = 0;
-      for (const LANE_CHECK& check : test.lanes) {
-        EXPECT_EQ(records(TYPE_OF_HB, ++lane), check.hb_type);
-        EXPECT_EQ(records(POSITION_OF_HB, lane), check.new_position);
-        EXPECT_EQ(records(HA_UDL_PORTION, lane), check.new_portion);
-        EXPECT_EQ(records(COMB_TYPE, lane), check.comb_type);
+      for (const auto& check : test.lanes) {
+        EXPECT_EQ(records(TYPE_OF_HB, ++lane), check[0]);
+        EXPECT_EQ(records(POSITION_OF_HB, lane), check[3]);
+        EXPECT_EQ(records(HA_UDL_PORTION, lane), check[4]);
+        EXPECT_EQ(records(COMB_TYPE, lane), check[5]);
         EXPECT_EQ(host.arrays[side == MAX_SIDE ? MIN_SIDE : MAX_SIDE].mload(COMB_TYPE, lane),
                   lane > lanes - test.straddle_lanes ? 0 : 1);
       }
@@ -109,8 +102,7 @@ TEST(closing_passes, a_straddling_hb_replaces_its_parents_records_where_both_pla
   std::vector<search::T_LANE> lanes(5);
   lanes[3].IS_STRADDLE = lanes[4].IS_STRADDLE = true;
   lanes[3].STRADDLE_LEFT = 3;
-  lanes[3].STRADDLE_RIGHT = 1;
-  lanes[4].STRADDLE_LEFT = 1;
+  lanes[3].STRADDLE_RIGHT = lanes[4].STRADDLE_LEFT = 1;
   lanes[4].STRADDLE_RIGHT = 2;
   T_ENVELOPE envelope(5);
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
@@ -133,17 +125,17 @@ TEST(closing_passes, a_straddling_hb_replaces_its_parents_records_where_both_pla
   FOLD_STRADDLE_LANES(lanes, envelope, host.view);
   ADD_PASS_DIRECTION(envelope, host.view);
 
-  const std::array<std::int32_t, 5> RECORDS[N_SIDES] = {{41, 2, 40, 4, 5}, {1, 2, 3, 4, 5}};
-  const std::array<std::int32_t, 5> PASSES[N_SIDES] = {{4, 2, 4, 4, 5}, {1, 2, 3, 4, 5}};
+  const std::int32_t RECORDS[N_SIDES][5] = {{41, 2, 40, 4, 5}, {1, 2, 3, 4, 5}};
+  const std::int32_t PASSES[N_SIDES][5] = {{4, 2, 4, 4, 5}, {1, 2, 3, 4, 5}};
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
     for (std::int32_t lane = 1; lane <= 5; ++lane) {
-      const std::int32_t record = RECORDS[side][static_cast<std::size_t>(lane - 1)];
-      const std::int32_t pass = PASSES[side][static_cast<std::size_t>(lane - 1)];
+      const std::int32_t record = RECORDS[side][lane - 1];
+      const auto& [mload, mloadb, infl_s, infl_sb, distances] = host.arrays[side];
       for (std::int32_t field = 1; field <= 10; ++field)
-        EXPECT_EQ(host.arrays[side].mload(field, lane), record + (field == COMB_TYPE ? 100 * pass : 0));
-      EXPECT_EQ(host.arrays[side].infl_s(1, lane), record);
-      EXPECT_EQ(host.arrays[side].infl_s(2, lane), record >= 40 ? 0 : lane);
-      EXPECT_EQ(host.arrays[side].infl_s(1000, lane), 0);
+        EXPECT_EQ(mload(field, lane), record + (field == COMB_TYPE ? 100 * PASSES[side][lane - 1] : 0));
+      EXPECT_EQ(infl_s(1, lane), record);
+      EXPECT_EQ(infl_s(2, lane), record >= 40 ? 0 : lane);
+      EXPECT_EQ(infl_s(1000, lane), 0);
     }
   }
 }
@@ -182,8 +174,6 @@ TEST(diagnostic_text, numbers_stand_right_in_their_fields_and_asterisks_fill_wha
       {3, "  1      0.12500" + zeros(8, "0.00000", 13) + "*************" + zeros(1, "0.00000", 13) +
               "1234567.00000"},
       {6, headings(40, {"| DISTANCE OF NEGATIVE INFL. RANGE -->"})},
-      {11, headings(18, {"VEHI. NO.", "W (HA_UDL)", "NO.LOADED RANGE", "TYPE OF HB", "POSITION OF HB",
-                         "FACTOR", "1/3 OR 1. HA UDL", " POS. OF HA KEL"})},
       {12, "  1       -2147483647" + zeros(9, "0", 18)},
       {20, headings(40, {"| SEQUENTIAL NO. OF LOADED RANGE -->"})},
       {21, "  112345678" + zeros(8, "0", 8) + "********"},
@@ -198,30 +188,19 @@ TEST(diagnostic_text, numbers_stand_right_in_their_fields_and_asterisks_fill_wha
   for (const auto& [at, line] : LINES) EXPECT_EQ(lines[at], line);
 }
 
-TEST(failure_text, every_reason_has_a_text_of_its_own) {
+TEST(failure_text, every_reason_has_a_text_of_its_own_and_a_text_too_long_for_its_room_is_cut) {
   std::set<std::string> texts;
   for (int code = 1; code <= static_cast<int>(REASON::UNEXPECTED); ++code) {
-    STATUS status = STATUS::FAILED(static_cast<REASON>(code), 7);
-    status.item = "FIELD";
     char text[300];
-    FAILURE_TEXT(status.IN("LNIF", 3), "a.ZA3", text, sizeof text);
-    const std::string line = text;
-    EXPECT_TRUE(line.starts_with("a.ZA3: block LNIF: record 3: ")) << line;
-    EXPECT_EQ(line.find('\n'), std::string::npos);
-    EXPECT_TRUE(texts.insert(line).second) << line;
+    FAILURE_TEXT(STATUS::FAILED(static_cast<REASON>(code), 7).IN("LNIF", 3), "a.ZA3", text, sizeof text);
+    EXPECT_TRUE(std::string(text).starts_with("a.ZA3: block LNIF: record 3: ")) << text;
+    EXPECT_TRUE(texts.insert(text).second) << text;
   }
-  char text[10] = "before";
-  FAILURE_TEXT({}, "a.ZA3", text, sizeof text);
-  EXPECT_STREQ(text, "");
-}
-
-TEST(failure_text, a_text_too_long_for_its_room_is_cut) {
-  const STATUS status = STATUS::FAILED(REASON::RECORD_ABSENT).IN("LNIF", 3);
   const std::string name(3000, 'n');
   const std::string whole = name + ": block LNIF: record 3: the record lies outside the block";
   for (std::size_t room = 0; room < 3100; ++room) {
     std::vector<char> text(room + 1, '#');
-    FAILURE_TEXT(status, name, text.data(), room);
+    FAILURE_TEXT(STATUS::FAILED(REASON::RECORD_ABSENT).IN("LNIF", 3), name, text.data(), room);
     ASSERT_EQ(text[room], '#');
     ASSERT_TRUE(room == 0 || whole.substr(0, room - 1) == text.data());
   }
@@ -234,9 +213,10 @@ TEST(wall_items, the_map_is_a_permutation_and_five_components_have_three_parts) 
   EXPECT_EQ(*targets.begin(), 1);
   EXPECT_EQ(*targets.rbegin(), 105);
   for (const std::int32_t outside : {-1, 0, 106}) EXPECT_EQ(ITEM_MAP(outside), 0);
-  const std::array<std::int32_t, 3> PARTS[] = {{51, 4, 1},  {52, 4, 2},   {53, 4, 3},  {54, 10, 1},
-                                               {59, 16, 3}, {60, 22, 1},  {65, 28, 3}, {4, 4, 0},
-                                               {31, 46, 0}, {105, 105, 0}};
+  // clang-format off
+  const std::array<std::int32_t, 3> PARTS[] = {{51, 4, 1}, {52, 4, 2}, {53, 4, 3}, {54, 10, 1}, {59, 16, 3},
+                                               {60, 22, 1}, {65, 28, 3}, {4, 4, 0}, {31, 46, 0}, {105, 105, 0}};
+  // clang-format on
   for (const auto& [item, component, part] : PARTS) {
     EXPECT_EQ(SPLIT_WALL_ITEM(item).ITEM, component) << item;
     EXPECT_EQ(SPLIT_WALL_ITEM(item).ITEM_PART, part) << item;

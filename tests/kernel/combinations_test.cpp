@@ -8,7 +8,7 @@
 #include "kernel/driver.h"
 #include "modelkit/model_writer.h"
 #include "modelkit/random_model.h"
-#include "tests/kernel/temporary_directory.h"
+#include "tests/temporary_directory.h"
 
 namespace kernel {
 namespace {

@@ -2,17 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <random>
 
-#include <cmath>
-
 #include "kernel/driver.h"
 #include "kernel/input_blocks.h"
-#include "modelkit/example_span.h"
-#include "modelkit/model_writer.h"
-#include "tests/kernel/temporary_directory.h"
-
 namespace kernel {
 namespace {
 
@@ -67,37 +62,6 @@ TEST(vehicles, entries_beyond_the_counts_are_zero) {
   check(1, 2, {120, 0, 30, 1.5F, 6, 0});
   check(0, 0, {0, 0, 30, 0, 0, 0});
   check(0, -1, {0, 0, 0, 0, 0, 0});
-}
-
-TEST(vehicles, are_read_alike_from_short_and_long_records) {
-  const TEMPORARY_DIRECTORY files;
-  modelkit::T_MODEL written = modelkit::SIMPLE_SPAN_MODEL();
-  auto& vehicles = written.vehicle_groups[0].vehicles;
-  vehicles.assign(3, modelkit::HA_1978_VEHICLE(33.3));
-  for (std::size_t v = 0; v < 3; ++v) {
-    vehicles[v].code = 14 + static_cast<std::int32_t>(v);
-    vehicles[v].geometry_count = 5;
-  }
-  written.vehicle_groups.push_back({.group = 8, .vehicles = {modelkit::HA_1978_VEHICLE()}});
-  for (const bool long_vehicles : {false, true}) {
-    const auto layout = modelkit::WRITE_MODEL(written, files.NAME("model"), {.long_vehicles = long_vehicles});
-    modelkit::OVERWRITE_WORD(layout, "MVIF", 1, 9, 6);  // two columns more than vehicles
-    T_REQUEST request;
-    request.FILE_NAME = layout.path;
-    RECORD_FILE unit;
-    T_MODEL model;
-    ASSERT_TRUE(READ_MODEL(unit, request, 1, model).OK());
-    ASSERT_EQ(model.VEHICLES.size(), 6U);
-    for (const auto& [column, group, code, geometry] :
-         {std::tuple{0U, 1, 14, 4}, {1U, 1, 15, 4}, {2U, 1, 16, 5}, {3U, 8, 20, 4}, {5U, 0, 0, 0}}) {
-      EXPECT_EQ(model.VEHICLES[column].VEH_GROUP, group);
-      EXPECT_EQ(model.VEHICLES[column].VEHICLE_CODE, code);
-      EXPECT_EQ(model.VEHICLES[column].N_VEHICLE_GEOM, geometry);
-    }
-    EXPECT_EQ(model.VEHICLES[0].VEHICLE_LOADS[1], 10.0F * 33.3F);
-    EXPECT_EQ(model.VEHICLES[0].VEHICLE_LOADS[99], 33.3F);
-    EXPECT_EQ(model.VEHICLES[5].VEHICLE_GEOM[1], 0.0F);
-  }
 }
 
 TEST(lane_sequence, numbers_the_other_lanes_in_lane_order) {
@@ -198,7 +162,7 @@ void expect_rows(const search::T_ORDINATES& ordinates, std::vector<real> rows) {
   }
 }
 
-TEST(ordinates, entries_are_averaged_links_add_and_the_impact_scales_its_point) {
+TEST(ordinates, of_a_lane_are_averaged_and_those_of_its_planes_are_not) {
   for (const std::int32_t columns : {1, 2}) {
     search::T_LANE lane;
     lane.LANE_STATIONS = lane.N_TRANSVERSE = 2;
@@ -207,19 +171,15 @@ TEST(ordinates, entries_are_averaged_links_add_and_the_impact_scales_its_point) 
     lane.SPREAD_TABLE = {{2, {3, 5, 8}, {0.5, 0.25, 9}}, {0, {8}, {9}}};
     lane.LANE_LINKS.RESIZE(2, 2, 2);
     for (const std::int32_t entry : {1, 2}) lane.LANE_LINKS(1, entry, 1) = {1.5, 4};
+    // A spread row's own weights stand in place of the link's; a row of no pairs adds nothing.
+    lane.LANE_LINKS(2, 2, 1) = {77, -1};
+    lane.LANE_LINKS(2, 1, 1) = {77, -2};
     lane.LANE_LINKS(1, 1, 2) = {2.0, 1};
     lane.LANE_LINKS(2, 1, 2) = {1.0, 6};
     search::T_ORDINATES ordinates(3, columns);
     ordinates(3, 1) = 99;  // cleared first
     search::LANE_ORDINATES(lane, response(columns), ordinates);
-    expect_rows(ordinates, {1.5F * 4, 0.5F * (2 + 6) * 1.25F});
-
-    // A spread row's own weights stand in place of the link's; a row of no pairs adds nothing.
-    lane.LANE_LINKS(2, 2, 1) = {77, -1};
-    lane.LANE_LINKS(2, 1, 1) = {77, -2};
-    search::LANE_ORDINATES(lane, response(columns), ordinates);
     expect_rows(ordinates, {1.5F * 4 + 0.5F * (0.5F * 3 + 0.25F * 5), 0.5F * (2 + 6) * 1.25F});
-
     // Planes of one entry each; the third has none.
     std::vector<search::T_ORDINATES> planes(3, ordinates);
     search::PLANE_ORDINATES(lane, response(columns), planes);
@@ -238,21 +198,17 @@ TEST(ordinates, of_a_class_definition_hold_its_weights_whole_and_end_with_lane_o
     definition.FIRST_SHARE.push_back(definition.CLASS_LINKS.size());
   }
   for (const std::int32_t columns : {1, 2}) {
-    search::T_ORDINATES ordinates(5, columns);
+    std::vector<search::T_ORDINATES> planes(3, search::T_ORDINATES(5, columns));
     definition.N_PER_PLANE = 1;
-    search::CLASS_ORDINATES(definition, 2, response(columns), ordinates);
-    expect_rows(ordinates, {1 + 4 + 2, 2 + 4});
-    search::CLASS_ORDINATES(definition, 4, response(columns), ordinates);
-    expect_rows(ordinates, {1 + 4 + 2, 2 + 4, 3 + 6});
-    std::vector<search::T_ORDINATES> planes(3, ordinates);
-    for (const std::int32_t per_plane : {1, 2}) {
-      definition.N_PER_PLANE = per_plane;
-      search::CLASS_PLANES(definition, 4, response(columns), planes);
-      const bool one = per_plane == 1;
-      expect_rows(planes[0], one ? std::vector<real>{5, 2, 3} : std::vector<real>{3.5F, 3, 4.5F});
-      expect_rows(planes[1], one ? std::vector<real>{2, 4, 6} : std::vector<real>{});
-      expect_rows(planes[2], {});
-    }
+    search::CLASS_ORDINATES(definition, 2, response(columns), planes[0]);
+    expect_rows(planes[0], {1 + 4 + 2, 2 + 4});
+    search::CLASS_PLANES(definition, 4, response(columns), planes);
+    expect_rows(planes[0], {5, 2, 3});
+    expect_rows(planes[1], {2, 4, 6});
+    definition.N_PER_PLANE = 2;
+    search::CLASS_PLANES(definition, 4, response(columns), planes);
+    expect_rows(planes[0], {3.5F, 3, 4.5F});
+    expect_rows(planes[1], {});
   }
 }
 

@@ -1,18 +1,13 @@
-// The examples' responses against statics, and the promises of the random models.
+// The examples' responses against statics.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <random>
-#include <set>
-#include <string>
+#include <utility>
 #include <vector>
 
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
-#include "modelkit/model_writer.h"
-#include "modelkit/random_model.h"
 
 namespace modelkit {
 namespace {
@@ -45,26 +40,18 @@ double area_under(const T_LANE& lane, const std::vector<double>& line) {
 }
 
 TEST(example_span, the_simple_span_gives_the_values_worked_out_by_hand) {
-  struct by_hand {
-    double span;
-    double moment;
-  };
-  for (const by_hand& expected : {by_hand{25.0, 3093.75}, by_hand{30.0, 4275.0}, by_hand{50.0, 8858.96}}) {
-    const T_MODEL model = SIMPLE_SPAN_MODEL(expected.span, 51, {.overrun = 80.0, .abutment_gap = 1e-6});
+  for (const auto& [span, moment] : {std::pair{25.0, 3093.75}, {30.0, 4275.0}, {50.0, 8858.96}}) {
+    const T_MODEL model = SIMPLE_SPAN_MODEL(span, 51, {.overrun = 80.0, .abutment_gap = 1e-6});
     const T_VEHICLE& vehicle = model.vehicle_groups[0].vehicles[0];
-    const double w = expected.span <= vehicle.geometry[0]
-                         ? vehicle.ha_w0
-                         : vehicle.ha_k * std::pow(1.0 / expected.span, vehicle.ha_p);
+    const double w =
+        span <= vehicle.geometry[0] ? vehicle.ha_w0 : vehicle.ha_k * std::pow(1.0 / span, vehicle.ha_p);
     const auto effect = [&](SPAN_ITEM item) {
       const std::vector<double> line =
           line_of(model.lanes[0], model.simb[0].values[static_cast<std::size_t>(item) - 1]);
       return w * area_under(model.lanes[0], line) + vehicle.loads[0] * *std::ranges::max_element(line);
     };
-    EXPECT_NEAR(effect(SPAN_MIDSPAN_MOMENT), expected.moment, 0.01);
-    EXPECT_NEAR(effect(SPAN_END_SHEAR), 0.5 * w * expected.span + 120.0, 0.01);
-    EXPECT_TRUE(std::ranges::is_sorted(model.lanes[0].points, {}, &T_INFLUENCE_POINT::x));
-    EXPECT_EQ(model.lanes[0].points.front().x, 0.0);
-    EXPECT_NEAR(model.lanes[0].points.back().x, 160.0 + expected.span, 1e-12);
+    EXPECT_NEAR(effect(SPAN_MIDSPAN_MOMENT), moment, 0.01);
+    EXPECT_NEAR(effect(SPAN_END_SHEAR), 0.5 * w * span + 120.0, 0.01);
   }
 }
 
@@ -119,25 +106,13 @@ TEST_F(example_bridge, every_unit_load_is_carried_by_the_bearings) {
   }
 }
 
-TEST_F(example_bridge, the_deck_is_symmetric_and_bends_the_way_the_signs_say) {
+TEST_F(example_bridge, the_deck_bends_the_way_the_signs_say) {
   const std::size_t middle = static_cast<std::size_t>(BRIDGE_NODE(35, 3)) - 1;
   EXPECT_GT(section(3, BRIDGE_MOMENT_MAIN_SPAN)[middle], 0.0F);
   EXPECT_LT(section(3, BRIDGE_MOMENT_FIRST_PIER)[middle], 0.0F);
   EXPECT_LT(section(3, BRIDGE_MOMENT_FIRST_SPAN)[middle], 0.0F);
   EXPECT_GT(section(3, BRIDGE_SHEAR_BEHIND_PIER_1)[middle], 0.0F);
   EXPECT_GT(bridge().model.disp[middle].values[2][middle], 0.0F);
-
-  for (int station = 0; station <= BRIDGE_LENGTH; ++station) {
-    for (int beam = 1; beam <= BRIDGE_BEAMS; ++beam) {
-      const auto load = static_cast<std::size_t>(BRIDGE_NODE(station, beam)) - 1;
-      const auto mirrored = static_cast<std::size_t>(BRIDGE_NODE(BRIDGE_LENGTH - station, 6 - beam)) - 1;
-      const auto across = static_cast<std::size_t>(BRIDGE_NODE(station, 6 - beam)) - 1;
-      EXPECT_NEAR(section(1, BRIDGE_MOMENT_MAIN_SPAN)[load], section(5, BRIDGE_MOMENT_MAIN_SPAN)[across],
-                  1e-4F);
-      EXPECT_NEAR(section(1, BRIDGE_SHEAR_BEHIND_PIER_1)[load],
-                  -section(5, BRIDGE_SHEAR_BEFORE_PIER_2)[mirrored], 1e-4F);
-    }
-  }
 }
 
 TEST_F(example_bridge, a_lane_bears_on_the_deck_alone_and_its_segments_repeat_their_ends) {
@@ -163,69 +138,6 @@ TEST_F(example_bridge, a_lane_bears_on_the_deck_alone_and_its_segments_repeat_th
     for (std::size_t i = 0; i < place.size(); ++i)
       ASSERT_NEAR(place[i], share[i] * (lane.points[i].x - BRIDGE_APPROACH), 1e-9);
   }
-}
-
-TEST_F(example_bridge, cases_carry_the_lane_factors_and_the_file_stays_modest) {
-  const T_MODEL& model = bridge().model;
-  ASSERT_EQ(model.moving_load_cases.size(), bridge().case_names.size());
-  ASSERT_EQ(model.lanes.size(), bridge().lane_names.size());
-  for (const int hb : {0, 1}) {
-    const T_MOVING_LOAD_CASE& load_case =
-        model.moving_load_cases[hb == 0 ? BRIDGE_CASE_HA - 1 : BRIDGE_CASE_HB - 1];
-    EXPECT_EQ(load_case.combinations.size(), hb == 0 ? 3U : 6U);
-    for (const T_COMBINATION& combination : load_case.combinations) {
-      double scales = 0.0;
-      int vehicles = 0;
-      for (const T_LANE_LOAD& load : combination) {
-        scales += load.scale;
-        vehicles += load.code == 2 ? 1 : 0;
-      }
-      EXPECT_NEAR(scales, 2.0 + 1.0 / 3.0, 1e-12);
-      EXPECT_EQ(vehicles, hb);
-    }
-  }
-  const T_FILE_LAYOUT layout = WRITE_MODEL(model, testing::TempDir() + "movload_bridge");
-  EXPECT_LT(layout.size, 30'000'000);
-  EXPECT_EQ(static_cast<std::int64_t>(std::filesystem::file_size(layout.path)), layout.size);
-}
-
-TEST(random_model, references_stay_within_their_bounds) {
-  std::mt19937_64 random(1);
-  std::set<std::string> seen;
-  for (int round = 0; round < 300; ++round) {
-    const T_MODEL model =
-        RANDOM_MODEL(random, {.straddle_lanes = 0.4, .axle_lists = 0.4, .class_definitions = 0.4});
-    const auto lanes = static_cast<std::int32_t>(model.lanes.size());
-    const auto classes = static_cast<std::int32_t>(model.vehicle_groups.size());
-    const auto is_load = [&](std::int32_t load) { return load >= 1 && load <= model.unit_loads; };
-    bool straddle = false;
-    for (const T_LANE& lane : model.lanes) {
-      ASSERT_TRUE(lane.is_straddle || !straddle) << "straddle lanes stand last";
-      straddle = lane.is_straddle;
-      ASSERT_TRUE(!straddle || lane.entries_per_point / lane.entries_per_plane >= 3);
-      for (const T_SPREAD_ROW& row : lane.spread_rows)
-        for (const T_LOAD_SHARE& share : row) ASSERT_TRUE(is_load(share.load));
-      for (std::size_t i = 0; i < lane.points.size(); ++i) {
-        ASSERT_EQ(std::ssize(lane.points[i].entries), lane.entries_per_point);
-        for (const T_TRANSVERSE_ENTRY& entry : lane.points[i].entries)
-          for (const std::int32_t load : {entry.a.load, entry.b.load})
-            ASSERT_TRUE(load == 0 || is_load(load) || (load < 0 && -load <= std::ssize(lane.spread_rows)));
-        if (i == 0) continue;
-        ASSERT_GE(lane.points[i].x, lane.points[i - 1].x);
-        if (lane.points[i].x == lane.points[i - 1].x) seen.insert("repeated point");
-      }
-    }
-    for (const T_MOVING_LOAD_CASE& load_case : model.moving_load_cases)
-      for (const T_COMBINATION& combination : load_case.combinations)
-        for (const T_LANE_LOAD& load : combination) ASSERT_TRUE(load.code >= 0 && load.code <= 4 * classes);
-    for (const T_AXLE_LIST& list : model.axle_lists)
-      for (const std::int32_t lane : list.lanes) ASSERT_TRUE(lane >= 0 && lane <= lanes);
-    if (straddle) seen.insert("straddle lane");
-    if (!model.axle_lists.empty()) seen.insert("axle list");
-    if (!model.class_definitions.empty()) seen.insert("class definition");
-    if (round % 50 == 0) WRITE_MODEL(model, testing::TempDir() + "movload_random");
-  }
-  EXPECT_EQ(seen.size(), 4U) << "every feature is drawn";
 }
 
 }  // namespace

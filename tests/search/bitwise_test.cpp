@@ -18,13 +18,8 @@ constexpr std::uint64_t N_CASES = 21000;
 /// What the random lines have reached, so that a change of the generator can't quietly lose what it is there
 /// for.
 struct T_SEEN {
-  int over_100_distances = 0;
-  int over_500_loaded = 0;
-  int near_inside = 0;
-  int ends_in_one_segment = 0;
-  int later_prefix_best = 0;
-  int jump_closings = 0;
-  int pair_short_ranges = 0;
+  int over_100_distances = 0, over_500_loaded = 0, near_inside = 0, ends_in_one_segment = 0;
+  int later_prefix_best = 0, jump_closings = 0, pair_short_ranges = 0;
 };
 
 /// Compares one case in one layout and keeps the first difference.

@@ -1,8 +1,7 @@
-// HA loading of a lane, worked by hand, and the laws that it keeps on random lines.
+// HA loading of a lane, worked by hand.
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -113,23 +112,6 @@ TEST_F(ha_search, kel_stands_at_the_peak_even_of_a_range_that_is_not_loaded) {
   EXPECT_EQ(jump[MIN_SIDE].VALUE, -90.0F);
 }
 
-TEST_F(ha_search, a_jump_across_zero_splits_the_ranking_of_the_whole_lane_only) {
-  // Positive 10 over 10, a negative dip, positive 20 over 10: ranked 2, 1 in the whole lane, one range beside
-  // a zone.
-  const auto line = JUMP_LINE({0, 10, 20, 30}, {0, 1, -1, 2}, {1, -1, 2, 0});
-  EXPECT_EQ(loaded(lane(line, CONSTANT)[MAX_SIDE]), (NUMBERS{2, 1}));
-  EXPECT_EQ(loaded(beside(line, CONSTANT, {30, 30, 0})[MAX_SIDE]), NUMBERS{1});
-}
-
-TEST_F(ha_search, a_range_without_length_has_the_mean_zero) {
-  // The dip at 10 has neither area nor length; the quotient must not disturb the ranking of the real one.
-  auto line = SIMPLE_LINE({0, 10, 10, 10, 20, 22}, {1, 1, -1, 1, 1, -1});
-  line.JUMP_LAYOUT = true;
-  const auto result = lane(line, CONSTANT);
-  EXPECT_EQ(result[MIN_SIDE].VALUE, -0.5F);
-  EXPECT_EQ(loaded(result[MIN_SIDE]), NUMBERS{2});
-}
-
 TEST_F(ha_search, the_vehicle_counts_as_loaded_length_beside_its_zone) {
   // 8 of lane left and 8 of vehicle: 8 * 64/16.
   const auto line = SIMPLE_LINE({0, 8, 16}, {1, 1, 1});
@@ -150,79 +132,6 @@ TEST_F(ha_search, ranges_of_no_real_length_come_last_in_the_pair_search_of_jump_
   const auto jump = search::HA_SEARCH_ZONE_PAIR_JUMP(view, view, CONSTANT, end, 1, work, work_b);
   EXPECT_EQ(loaded(jump.B[MAX_SIDE]), (NUMBERS{2, 1}));
   EXPECT_EQ(loaded(search::HA_SEARCH_ZONE_JUMP(view, CONSTANT, end, 1, work)[MAX_SIDE]), (NUMBERS{1, 2}));
-}
-
-TEST_F(ha_search, more_than_five_hundred_ranges_keep_their_value_and_list_the_first) {
-  // 599 positive triangles of area 1 and half a one at either end.
-  std::vector<float> x, y;
-  for (int i = 0; i < 1201; ++i) {
-    x.push_back(2.0F * static_cast<float>(i));
-    y.push_back(i % 2 == 0 ? 1.0F : -1.0F);
-  }
-  const auto result = lane(SIMPLE_LINE(x, y), CONSTANT);
-  EXPECT_EQ(result[MAX_SIDE].VALUE, 600.0F);
-  EXPECT_EQ(result[MAX_SIDE].LOADED_COUNT, search::MAX_LOADED);
-}
-
-void expect_same(const search::T_HA_RESULT& one, const search::T_HA_RESULT& other, float factor,
-                 bool turned_over, std::uint64_t seed) {
-  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-    const auto& mirrored = other[static_cast<std::size_t>(turned_over ? 1 - side : side)];
-    EXPECT_EQ(factor * one[side].VALUE, mirrored.VALUE) << "seed " << seed;
-    EXPECT_EQ(one[side].W_MILLI, mirrored.W_MILLI) << "seed " << seed;
-    EXPECT_EQ(loaded(one[side]), loaded(mirrored)) << "seed " << seed;
-  }
-}
-
-plain::LINE times(float factor, plain::LINE line) {
-  for (float& value : line.BEFORE.values) value *= factor;
-  for (float& value : line.AFTER.values) value *= factor;
-  return line;
-}
-
-TEST_F(ha_search, doubled_ordinates_double_both_values_and_a_line_turned_over_swaps_its_sides) {
-  search::T_RANGE_WORK kept;  // a result points into its work lists
-  for (std::uint64_t seed = 1; seed <= 2000 && !HasFailure(); ++seed) {
-    const RANDOM_CASE c = MAKE_RANDOM_CASE(seed);
-    // Doubling isn't exact among the denormals.
-    if (c.KIND.find("tiny") != std::string::npos || c.KIND.find("dense") != std::string::npos) continue;
-    const auto curve = curve_of(c.CURVE);
-    for (const plain::LINE& line : {c.SIMPLE[0], c.JUMP[0]}) {
-      auto* const form = line.JUMP_LAYOUT ? search::HA_SEARCH_LANE_JUMP : search::HA_SEARCH_LANE;
-      const auto as_is = form(VIEW(line), curve, c.KEL_LOAD, kept);
-      expect_same(as_is, lane(times(2, line), curve, c.KEL_LOAD), 2, false, seed);
-      expect_same(as_is, lane(times(-1, line), curve, c.KEL_LOAD), -1, true, seed);
-    }
-  }
-}
-
-TEST_F(ha_search, both_layouts_agree_on_a_line_without_jumps_and_repeated_points) {
-  search::T_RANGE_WORK kept;
-  int lines = 0;
-  for (std::uint64_t seed = 1; seed <= 4000 && !HasFailure(); ++seed) {
-    const RANDOM_CASE c = MAKE_RANDOM_CASE(seed);
-    plain::LINE line = c.SIMPLE[0];
-    if (std::ranges::adjacent_find(line.X.values) != line.X.values.end()) continue;
-    ++lines;
-    const auto curve = curve_of(c.CURVE);
-    const auto simple_view = VIEW(line);
-    line.JUMP_LAYOUT = true;
-    line.TWO_COLUMNS = seed % 2 == 0;  // with both columns equal, or with one
-    const auto jump_view = VIEW(line);
-    expect_same(search::HA_SEARCH_LANE(simple_view, curve, c.KEL_LOAD, kept), lane(line, curve, c.KEL_LOAD),
-                1, false, seed);
-    for (const RANDOM_ZONE& zone : c.ZONES) {
-      const auto place = search::LOCATE_ZONE(zone.FAR_END, zone.NEAR_END, simple_view.LANE_X, simple_view.n);
-      expect_same(search::HA_SEARCH_ZONE(simple_view, curve, place, zone.VEHICLE_LENGTH, kept),
-                  beside(line, curve, zone), 1, false, seed);
-    }
-    for (const float probe : c.PROBES) {
-      const auto at = search::ORDINATE_AT<search::JUMP_LAYOUT>(probe, jump_view);
-      EXPECT_EQ(at.UPPER, at.LOWER);
-      EXPECT_EQ(at.UPPER, search::ORDINATE_AT<search::SIMPLE_LAYOUT>(probe, simple_view).UPPER);
-    }
-  }
-  EXPECT_GT(lines, 1000);
 }
 
 TEST_F(ha_search, numbers_that_are_none_do_no_harm) {

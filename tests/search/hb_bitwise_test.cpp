@@ -6,7 +6,6 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -18,21 +17,17 @@ constexpr std::uint64_t N_CASES = 10000;  // each in both layouts
 
 struct T_FORM {
   const char* NAME;
-  plain::HB_RESULT (*JUDGE)(const plain::HB_TASK&, plain::HB_WORK&);
+  plain::HB_RESULT (*JUDGE)(const plain::HB_TASK&);
   search::HB_SEARCH* LIBRARY[2][2];  // by multi and layout
   bool BY_PARENT;
 };
 using namespace search;
+// clang-format off
 constexpr T_FORM FORMS[] = {
     {"HB_LANE", plain::HB_LANE, {{HB_LANE, HB_LANE_JUMP}, {HB_LANE_MULTI, HB_LANE_MULTI_JUMP}}, false},
-    {"HB_STRADDLE_SUM",
-     plain::HB_STRADDLE_SUM,
-     {{HB_STRADDLE_SUM, HB_STRADDLE_SUM_JUMP}, {HB_STRADDLE_SUM_MULTI, HB_STRADDLE_SUM_MULTI_JUMP}},
-     false},
-    {"HB_STRADDLE_THIRD",
-     plain::HB_STRADDLE_THIRD,
-     {{HB_STRADDLE_THIRD, HB_STRADDLE_THIRD_JUMP}, {HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_THIRD_MULTI_JUMP}},
-     true}};
+    {"HB_STRADDLE_SUM", plain::HB_STRADDLE_SUM, {{HB_STRADDLE_SUM, HB_STRADDLE_SUM_JUMP}, {HB_STRADDLE_SUM_MULTI, HB_STRADDLE_SUM_MULTI_JUMP}}, false},
+    {"HB_STRADDLE_THIRD", plain::HB_STRADDLE_THIRD, {{HB_STRADDLE_THIRD, HB_STRADDLE_THIRD_JUMP}, {HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_THIRD_MULTI_JUMP}}, true}};
+// clang-format on
 
 /// A result field by field, reals as their bits.
 struct T_FIELD {
@@ -107,11 +102,10 @@ struct T_SEEN {
 /// The first difference of a form on a task, empty where there is none. All forms share their work arrays.
 std::string difference(const T_FORM& form, const plain::HB_TASK& task, bool multi, int behind, T_SEEN& seen) {
   static T_HB_WORK work;
-  static plain::HB_WORK judge_work;
   const std::size_t planes = form.JUDGE == plain::HB_LANE ? 1 : task.SETS[0].size();
   const T_SEARCH_RESULT result =
       SEARCH_HB(form.LIBRARY[multi ? 1 : 0][task.JUMP_LAYOUT ? 1 : 0], task, planes, behind, work);
-  const plain::HB_RESULT judged = form.JUDGE(task, judge_work);
+  const plain::HB_RESULT judged = form.JUDGE(task);
   seen.count(judged, form.JUDGE != plain::HB_LANE, form.BY_PARENT);
   const FIELDS fields = fields_of(result);
   const FIELDS should = fields_of(judged, form.BY_PARENT);
@@ -142,54 +136,9 @@ TEST(hb_bitwise, all_twelve_searches_equal_the_plain_steps) {
   EXPECT_GT(seen.second_full, 1000);
   EXPECT_GT(seen.no_plane, 1000);
   EXPECT_GT(seen.later_plane, 1000);
-  EXPECT_GT(seen.over_100_ranges, 50);
+  EXPECT_GT(seen.over_100_ranges, 25);
   EXPECT_GT(seen.list_full, 5);
   EXPECT_GT(seen.near_inside, 10000);
-}
-
-// The judge has the steps of a placement once more, without allocations. They keep to those of the lane search.
-void equal(const std::array<plain::PREFIX, 2>& prefixes, const plain::HA_RESULT& judged,
-           const std::array<plain::RANKED_RANGES, 2>& ranges) {
-  for (const std::size_t side : {0U, 1U}) {
-    const plain::HA_SIDE& should = side == 0 ? judged.MAX : judged.MIN;
-    ASSERT_EQ(std::bit_cast<int>(prefixes[side].VALUE), std::bit_cast<int>(should.VALUE));
-    ASSERT_EQ(prefixes[side].W_MILLI, should.W_MILLI);
-    ASSERT_EQ(prefixes[side].LOADED_COUNT, should.LOADED_COUNT);
-    ASSERT_TRUE(std::equal(should.NUMBERS.begin(), should.NUMBERS.end(), ranges[side].NUMBER.begin()));
-  }
-}
-
-TEST(hb_bitwise, steps_of_a_placement_equal_those_of_the_lane_search) {
-  plain::HB_WORK work;
-  for (std::uint64_t seed = 1; seed <= 2000 && !HasFatalFailure(); ++seed) {
-    const RANDOM_CASE c = MAKE_RANDOM_CASE(seed);
-    SCOPED_TRACE("seed " + std::to_string(seed) + ", " + c.KIND);
-    for (const plain::LINE* lines : {c.SIMPLE, c.JUMP}) {
-      const auto columns = [](const plain::LINE& line) {
-        return plain::VIEW{line.n(), line.JUMP_LAYOUT, line.X.values.data(), line.BEFORE.values.data(),
-                           line.AFTER.values.data()};
-      };
-      const plain::VIEW a = columns(lines[0]);
-      work.MAKE_ROOM(lines[0].X.values.size());
-      for (const float probe : c.PROBES) {
-        const plain::ORDINATE at = plain::ORDINATE_AT(probe, a);
-        const plain::ORDINATE should = plain::ORDINATE_AT(probe, lines[0]);
-        ASSERT_EQ(std::bit_cast<int>(at.UPPER), std::bit_cast<int>(should.UPPER));
-        ASSERT_EQ(std::bit_cast<int>(at.LOWER), std::bit_cast<int>(should.LOWER));
-      }
-      for (const auto& [far_end, near_end, L] : c.ZONES) {
-        const plain::ZONE_PLACE zone = plain::LOCATE_ZONE(far_end, near_end, lines[0]);
-        const plain::ZONE_PLACE again = plain::LOCATE_ZONE(far_end, near_end, a);
-        ASSERT_EQ(std::memcmp(&zone, &again, sizeof zone), 0);
-        const auto one = plain::HA_SEARCH_ZONE(a, c.CURVE, zone, L, work);
-        equal(one[0], plain::HA_SEARCH_ZONE(lines[0], c.CURVE, zone, L), work.RANGES[0]);
-        const auto two = plain::HA_SEARCH_ZONE_PAIR(a, columns(lines[1]), c.CURVE, zone, L, work);
-        const auto pair = plain::HA_SEARCH_ZONE_PAIR(lines[0], lines[1], c.CURVE, zone, L);
-        equal(two[0], pair.A, work.RANGES[0]);
-        equal(two[1], pair.B, work.RANGES[1]);
-      }
-    }
-  }
 }
 
 }  // namespace

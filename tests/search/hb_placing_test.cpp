@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
+#include <array>
+#include <tuple>
 #include <vector>
 
 #include "tests/search/random_lines.h"
@@ -63,17 +63,13 @@ plain::HB_TASK span_of_40() {
 }
 
 TEST(hb_placing, each_length_of_the_vehicle_finds_its_place_on_a_simple_span) {
-  struct {
-    float HB_B, sum;
-    int position;
-  } const cases[] = {{6, 32.2F, 8}, {11, 27.2F, 8}, {21, 18.7F, 6}, {26, 16.3F, 6}};
-  for (const auto& c : cases) {
+  for (const auto& [HB_B, sum, position] :
+       {std::tuple{6.0F, 32.2F, 8}, {11.0F, 27.2F, 8}, {21.0F, 18.7F, 6}, {26.0F, 16.3F, 6}}) {
     plain::HB_TASK task = span_of_40();
-    task.HB_B = c.HB_B;
+    task.HB_B = HB_B;
     const auto result = search_hb(HB_LANE, task);
-    EXPECT_NEAR(result[MAX_SIDE].VALUE, 450 * c.sum, 0.02F);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_TYPE, 1);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, c.position);
+    EXPECT_NEAR(result[MAX_SIDE].VALUE, 450 * sum, 0.02F);
+    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, position);
   }
 }
 
@@ -82,18 +78,13 @@ TEST(hb_placing, shortest_of_five_types_governs_midspan_and_no_udl_is_left_on_th
   task.HB_B = 6;
   task.HB_STEP = 5;
   // The reverse pass finds the same on a symmetric lane, and the forward pass was first.
-  struct {
-    int direction, pass, position;
-  } const cases[] = {{0, 1, 8}, {1, 2, 21 - 8 + 1}, {2, 1, 8}};
-  for (const auto& c : cases) {
-    task.LANE_DIRECTION = c.direction;
+  for (const auto& [direction, pass, position] : {std::array{0, 1, 8}, {1, 2, 21 - 8 + 1}, {2, 1, 8}}) {
+    task.LANE_DIRECTION = direction;
     const auto result = search_hb(HB_LANE, task);
     EXPECT_NEAR(result[MAX_SIDE].VALUE, 14490, 0.02F);
-    EXPECT_EQ(result[MAX_SIDE].PASS_REC, c.pass);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, c.position);
+    EXPECT_EQ(result[MAX_SIDE].PASS_REC, pass);
+    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, position);
     EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_TYPE, 1);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_CODE, 0);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.W_MILLI, 0);
     EXPECT_EQ(result[MAX_SIDE].HB_REC.LOADED_COUNT, 0);
     EXPECT_TRUE(is_empty(result[MIN_SIDE]));
   }
@@ -188,38 +179,22 @@ TEST(straddling_hb, takes_the_first_of_the_best_planes_beside_the_sum_of_both_pa
 TEST(straddling_hb, gives_the_full_udl_to_the_worse_parent_and_to_the_first_of_equal_ones) {
   struct {
     VALUES planes;
-    float max;
+    SIDE side;
+    float value;
     int first_code, second_code;
-  } const cases[] = {{{0.5F, 1, 1, 1}, 40 + 40 + 0.3333F * 40, 70021, 70020},
-                     {{0, 1, 2}, 80 + 0.3333F * 40 + 80, 70030, 70031},
-                     {{0, 2, 1}, 80 + 80 + 0.3333F * 40, 70021, 70020}};
+  } const cases[] = {{{0.5F, 1, 1, 1}, MAX_SIDE, 40 + 40 + 0.3333F * 40, 70021, 70020},
+                     {{0, 1, 2}, MAX_SIDE, 80 + 0.3333F * 40 + 80, 70030, 70031},
+                     {{0, -2, -1}, MIN_SIDE, -80 - 80 - 0.3333F * 40, 70021, 70020},
+                     // Either parent has one side only: each is full on its own.
+                     {{0, 1, -1}, MAX_SIDE, 40 + 40, 70021, 70020},
+                     {{0, 1, -1}, MIN_SIDE, -40 - 40, 70030, 70031}};
   for (const auto& c : cases) {
-    for (const float sign : {1.0F, -1.0F}) {
-      VALUES planes = c.planes;
-      for (float& y : planes) y *= sign;
-      const T_SIDE_RESULT side =
-          search_hb(HB_STRADDLE_THIRD, straddle(planes))[sign > 0 ? MAX_SIDE : MIN_SIDE];
-      EXPECT_FLOAT_EQ(side.VALUE, sign * c.max);
-      EXPECT_EQ(side.HB_REC_PLANES[0].HB_CODE, c.first_code);
-      EXPECT_EQ(side.HB_REC_PLANES[1].HB_CODE, c.second_code);
-      for (const int parent : {0, 1}) {
-        EXPECT_EQ(side.HB_REC_PLANES[static_cast<std::size_t>(parent)].W_MILLI, 1000);
-        EXPECT_EQ(side.INFL_REC_PLANES[static_cast<std::size_t>(parent)], NUMBERS{1});
-      }
-      EXPECT_EQ(side.HB_REC.HB_TYPE, 0);  // the record is the parents' alone
-    }
+    const auto result = search_hb(HB_STRADDLE_THIRD, straddle(c.planes));
+    EXPECT_FLOAT_EQ(result[c.side].VALUE, c.value);
+    EXPECT_EQ(result[c.side].HB_REC_PLANES[0].HB_CODE, c.first_code);
+    EXPECT_EQ(result[c.side].HB_REC_PLANES[1].HB_CODE, c.second_code);
+    EXPECT_EQ(result[c.side].HB_REC.HB_TYPE, 0);  // the record is the parents' alone
   }
-}
-
-TEST(straddling_hb, chooses_plane_and_portions_apart_for_each_side) {
-  // The first parent lane has only a maximum, the second only a minimum: each is full on its own side.
-  const auto result = search_hb(HB_STRADDLE_THIRD, straddle({0, 1, -1}));
-  EXPECT_FLOAT_EQ(result[MAX_SIDE].VALUE, 40 + 40);
-  EXPECT_EQ(result[MAX_SIDE].HB_REC_PLANES[0].HB_CODE, 70021);
-  EXPECT_EQ(result[MAX_SIDE].HB_REC_PLANES[1].HB_CODE, 70020);
-  EXPECT_FLOAT_EQ(result[MIN_SIDE].VALUE, -40 - 40);
-  EXPECT_EQ(result[MIN_SIDE].HB_REC_PLANES[0].HB_CODE, 70030);
-  EXPECT_EQ(result[MIN_SIDE].HB_REC_PLANES[1].HB_CODE, 70031);
 }
 
 TEST(straddling_hb, names_no_plane_where_none_goes_beyond_zero) {

@@ -235,29 +235,18 @@ ZONE_PLACE LOCATE_ZONE(float far_end, float near_end, const LINE& line) {
   const int n = line.n();
   if (n < 2) return zone;
   const auto fraction = [&line](float end, int i) { return (end - line.X(i)) / (line.X(i + 1) - line.X(i)); };
-  for (int i = 1; i <= n; ++i) {
-    if (line.X(i) == far_end) {
-      zone.FAR_INDEX = i;
-      zone.FAR_FRACTION = 0;
-      break;
-    }
-    if (i < n && line.X(i) < far_end && far_end < line.X(i + 1)) {
-      zone.FAR_INDEX = i;
-      zone.FAR_FRACTION = fraction(far_end, i);
-      break;
-    }
+  const auto stands_at = [&line, n](float end, int i) {  // on point i, or behind it in its segment
+    return line.X(i) == end || (i < n && line.X(i) < end && end < line.X(i + 1));
+  };
+  for (int i = 1; i <= n && zone.FAR_INDEX == 0; ++i) {
+    if (!stands_at(far_end, i)) continue;
+    zone.FAR_INDEX = i;
+    zone.FAR_FRACTION = line.X(i) == far_end ? 0 : fraction(far_end, i);
   }
-  for (int i = 1; i <= n; ++i) {
-    if (line.X(i) == near_end) {
-      zone.NEAR_INDEX = i;
-      zone.NEAR_FRACTION = 0;
-      break;
-    }
-    if (i < n && line.X(i) < near_end && near_end < line.X(i + 1)) {
-      zone.NEAR_INDEX = i + 1;
-      zone.NEAR_FRACTION = fraction(near_end, i);
-      break;
-    }
+  for (int i = 1; i <= n && zone.NEAR_INDEX == 0; ++i) {
+    if (!stands_at(near_end, i)) continue;
+    zone.NEAR_INDEX = line.X(i) == near_end ? i : i + 1;
+    zone.NEAR_FRACTION = line.X(i) == near_end ? 0 : fraction(near_end, i);
   }
   return zone;
 }
@@ -373,6 +362,7 @@ HA_SIDE best_prefix(const RANGES& ranges, int mode, float L, const HA_CURVE& cur
   SORT_RANGE_MEANS(means, numbers, mode);
 
   HA_SIDE best;
+  best.RANGE_COUNT = count;
   float AREA = 0;
   for (int j = 1; j <= count; ++j) {
     const int r = numbers(j);

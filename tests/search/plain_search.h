@@ -77,6 +77,7 @@ struct HA_SIDE {
   float VALUE = 0;
   int W_MILLI = 0;
   int LOADED_COUNT = 0;
+  int RANGE_COUNT = 0;       // of all ranges of the side
   std::vector<int> NUMBERS;  // LOADED_COUNT of them
 };
 struct HA_RESULT {

@@ -49,12 +49,11 @@ int random_count(RANDOM& random) {
 }
 
 plain::LIST<float> random_positions(RANDOM& random, int n, std::string& kind) {
-  static constexpr const char* NAMES[] = {"even", "thirds", "tenths", "random", "dense", "all at one place"};
   const int form = random.one_in(100) ? 5 : random.below(5);
   const bool repeats = random.one_in(3);
   const int repeat_rate = random.between(2, 12);
   const float starts[] = {0.0F, 0.0F, 1234.567F, -17.3F, 0.1F};
-  kind += std::string(NAMES[form]) + (repeats ? " repeated" : "") + " points";
+  kind += "points of form " + std::to_string(form) + (repeats ? " repeated" : "");  // as below
 
   plain::LIST<float> x;
   float position = starts[random.below(5)];
@@ -72,9 +71,6 @@ plain::LIST<float> random_positions(RANDOM& random, int n, std::string& kind) {
 }
 
 plain::LIST<float> random_ordinates(RANDOM& random, int n, std::string& kind) {
-  static constexpr const char* NAMES[] = {"girder",         "noise",        "tied values",  "zero stretches",
-                                          "touching zeros", "one-signed",   "all zero",     "alternating",
-                                          "few peaks",      "of all sizes", "stepped spans"};
   // Where a line is to overflow the lists, it must change sign at every point or so.
   const int form = n > 1000 && random.one_in(2) ? 7 : random.one_in(30) ? 6 : random.below(11);
   const float scales[] = {1.0F, 1.0F, 1.0F, 0.0137F, 1e20F, 1e-30F};
@@ -82,7 +78,7 @@ plain::LIST<float> random_ordinates(RANDOM& random, int n, std::string& kind) {
   const float sign = random.one_in(2) ? 1.0F : -1.0F;
   const float span = static_cast<float>(random.between(2, 14));
   const float decay = 0.2F + 0.6F * random.unit();
-  kind += std::string(", ") + NAMES[form] + (scale == 4 ? " huge" : scale == 5 ? " tiny" : "");
+  kind += ", ordinates of form " + std::to_string(form) + (scale == 4 ? " huge" : scale == 5 ? " tiny" : "");
 
   plain::LIST<float> y;
   float step = 1.0F;
@@ -139,15 +135,8 @@ float random_end(RANDOM& random, const plain::LIST<float>& x) {
   const int i = random.between(1, n);
   const float within = x(i) + random.unit() * (x(i < n ? i + 1 : n) - x(i));
   const float as_of_hb = (x(i) + 25.0F) - 25.0F;  // how the near end of an HB comes about
-  const float choices[] = {x(i),
-                           std::nextafter(x(i), INFINITE),
-                           std::nextafter(x(i), -INFINITE),
-                           x(1),
-                           x(n),
-                           as_of_hb,
-                           within,
-                           within,
-                           within};
+  const float beside[] = {std::nextafter(x(i), INFINITE), std::nextafter(x(i), -INFINITE)};
+  const float choices[] = {x(i), beside[0], beside[1], x(1), x(n), as_of_hb, within, within, within};
   return std::clamp(choices[random.below(9)], x(1), x(n));
 }
 
@@ -205,9 +194,8 @@ float hb_end(const plain::HB_TASK& task, float x, int k, int axle) {
 
 std::vector<float> hb_positions(RANDOM& random, std::uint64_t seed, const plain::HB_TASK& task,
                                 std::string& kind) {
-  const float starts[] = {
-      0.0F, 0.0F, 1234.567F, -17.3F, 60000.0F, 10.0F * random.unit(), 90.0F * random.unit()};
-  const float x1 = starts[random.below(7)];
+  const float starts[] = {0.0F, 0.0F, 1234.567F, -17.3F, 60000.0F, 90.0F * random.unit()};
+  const float x1 = starts[random.below(6)];
   float length = 40.0F + (random.one_in(3) ? 260.0F : 80.0F) * random.unit();
   std::vector<float> x{x1};
   const auto even = [&](int count, float from, float spacing) {
@@ -232,16 +220,15 @@ std::vector<float> hb_positions(RANDOM& random, std::uint64_t seed, const plain:
   const int form = random.below(5);
   if (form == 0) {
     kind += "even";
-    const float spacings[] = {1.25F, 2.5F,         5.0F,
-                              10.0F, 20.0F / 3.0F, 0.1F * static_cast<float>(random.between(10, 99))};
+    const float tenths = 0.1F * static_cast<float>(random.between(10, 99));
+    const float spacings[] = {1.25F, 2.5F, 5.0F, 10.0F, 20.0F / 3.0F, tenths};
     const float spacing = spacings[random.below(6)];
     even(std::min(45, static_cast<int>(length / spacing) + 2), x1, spacing);
   } else if (form == 1) {  // a lane as long as a zone, or all but
     kind += "one zone";
     const float end = hb_end(task, x1, random.between(1, 5), 0);
-    const float ends[] = {end, end, std::nextafter(end, INFINITE), std::nextafter(end, -INFINITE),
-                          end - 0.001F};
-    x.push_back(ends[random.below(5)]);
+    const float ends[] = {end, end, std::nextafter(end, INFINITE), std::nextafter(end, -INFINITE)};
+    x.push_back(ends[random.below(4)]);
     for (int i = random.below(12); i > 0; --i) x.push_back(x1 + random.unit() * (end - x1));
   } else {
     kind += form == 2 ? "random" : "zone ends";
@@ -251,15 +238,10 @@ std::vector<float> hb_positions(RANDOM& random, std::uint64_t seed, const plain:
       const int k = random.between(1, 5);
       const float at = hb_end(task, from, k, random.below(5));
       const float as_near_end = (from + 25.0F) - 25.0F;
-      const float choices[] = {at,
-                               at,
-                               at,
-                               std::nextafter(at, INFINITE),
-                               std::nextafter(at, -INFINITE),
-                               as_near_end,
-                               std::nextafter(from, INFINITE),
-                               std::nextafter(from, -INFINITE)};
-      x.push_back(std::max(x1, choices[random.below(8)]));
+      const float choices[] = {at, at, at, as_near_end, as_near_end, from};
+      const float place = choices[random.below(6)];
+      const float direction = random.one_in(2) ? INFINITE : -INFINITE;
+      x.push_back(std::max(x1, random.one_in(3) ? std::nextafter(place, direction) : place));
     }
   }
   if (random.one_in(3)) {
@@ -292,9 +274,7 @@ std::vector<float> hb_ordinates(RANDOM& random, const std::vector<float>& x, std
     if (form == 2) y[i] = rough && random.one_in(3) ? std::nextafter(level, INFINITE) : level;
     if (form == 3) y[i] = y[x.size() - 1 - i];
   }
-  if (form < 4)
-    kind += std::string(", in fact ") +
-            std::array{"smooth", "triangle", "constant", "mirrored"}[static_cast<std::size_t>(form)];
+  kind += ", over it form " + std::to_string(form);
   return y;
 }
 

@@ -25,45 +25,44 @@ search::T_REPORTED_RANGES ranges_of(const PAIRS& pairs, NUMBERS numbers) {
   return ranges;
 }
 
-/// All ranges are loaded. Of the pairs the first five and the last must be as told, of the numbers the first
-/// five; the rest is 0.
-void expect_trimmed(const PAIRS& pairs, PAIRS trimmed, std::array<float, 2> far_piece, NUMBERS numbers,
-                    int loaded) {
-  NUMBERS all(pairs.size());
-  for (std::size_t r = 0; r < all.size(); ++r) all[all.size() - 1 - r] = static_cast<std::int32_t>(r) + 1;
-  auto ranges = ranges_of(pairs, all);
-  search::TRIM_LOADED_RANGES(60, 30, ranges);
-  trimmed.resize(5);
-  EXPECT_EQ(PAIRS(ranges.PAIRS.begin(), ranges.PAIRS.begin() + 5), trimmed);
-  EXPECT_EQ(ranges.PAIRS.back(), far_piece);
-  numbers.resize(5);
-  EXPECT_EQ(NUMBERS(ranges.NUMBERS.begin(), ranges.NUMBERS.begin() + 5), numbers);
-  EXPECT_EQ(ranges.NO_LOADED_RANGE, loaded);
-}
+/// All ranges are loaded. The first pairs and numbers are as told and 0 behind them.
+struct T_TRIMMED {
+  PAIRS before, after;
+  std::array<float, 2> far_piece;  // stands last
+  NUMBERS numbers;
+  int loaded;
+};
+// clang-format off
+const T_TRIMMED CASES[] = {
+    // Ends that reach into the zone are cut. A gap inside it is bridged first, so only one range may reach into it.
+    {{{10, 40}, {70, 90}}, {{10, 30}, {70, 90}}, {0, 0}, {1, 2}, 2},
+    {{{10, 20}, {40, 90}}, {{10, 20}, {60, 90}}, {0, 0}, {1, 2}, 2},
+    {{{10, 20}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2}, 2},
+    // A zone inside a range splits it, and the far piece is number 100.
+    {{{10, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 100}, 3},
+    // Joined across the zone and split as one: fewer ranges, yet the count of loaded ones only grows by the far piece.
+    {{{10, 40}, {50, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 0, 100}, 4},
+    {{{10, 30}, {60, 90}}, {{10, 30}}, {60, 90}, {1, 0, 100}, 3},  // ends exactly at the zone
+    // A range inside the zone leaves and the numbers stay, also where it starts or ends with the zone.
+    {{{10, 20}, {35, 50}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3},
+    {{{10, 20}, {30, 50}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3},
+    {{{10, 20}, {35, 60}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3},
+};
+// clang-format on
 
-TEST(trimming, cuts_the_ends_that_reach_into_the_zone) {
-  // A gap inside the zone is bridged first, so of two ranges at the zone only one may reach into it.
-  expect_trimmed({{10, 40}, {70, 90}}, {{10, 30}, {70, 90}}, {0, 0}, {1, 2}, 2);
-  expect_trimmed({{10, 20}, {40, 90}}, {{10, 20}, {60, 90}}, {0, 0}, {1, 2}, 2);
-  expect_trimmed({{10, 20}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2}, 2);
-}
-
-TEST(trimming, a_zone_inside_a_range_splits_it_and_the_far_piece_is_number_100) {
-  expect_trimmed({{10, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 100}, 3);
-}
-
-TEST(trimming, ranges_joined_across_the_zone_are_split_as_one) {
-  // Three ranges become two, yet the count of loaded ones only grows by the far piece.
-  expect_trimmed({{10, 40}, {50, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 0, 100}, 4);
-  // Ends exactly at the zone are bridged too.
-  expect_trimmed({{10, 30}, {60, 90}}, {{10, 30}}, {60, 90}, {1, 0, 100}, 3);
-}
-
-TEST(trimming, a_range_inside_the_zone_leaves_and_the_numbers_stay) {
-  expect_trimmed({{10, 20}, {35, 50}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3);
-  // The same where it starts at the near end or ends at the far end.
-  expect_trimmed({{10, 20}, {30, 50}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3);
-  expect_trimmed({{10, 20}, {35, 60}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2, 3}, 3);
+TEST(trimming, gives_what_was_worked_by_hand) {
+  for (T_TRIMMED c : CASES) {
+    NUMBERS all(c.before.size());
+    for (std::size_t r = 0; r < all.size(); ++r) all[r] = static_cast<std::int32_t>(all.size() - r);
+    auto ranges = ranges_of(c.before, all);
+    search::TRIM_LOADED_RANGES(60, 30, ranges);
+    c.after.resize(5);
+    c.numbers.resize(5);
+    EXPECT_EQ(PAIRS(ranges.PAIRS.begin(), ranges.PAIRS.begin() + 5), c.after);
+    EXPECT_EQ(ranges.PAIRS.back(), c.far_piece);
+    EXPECT_EQ(NUMBERS(ranges.NUMBERS.begin(), ranges.NUMBERS.begin() + 5), c.numbers);
+    EXPECT_EQ(ranges.NO_LOADED_RANGE, c.loaded);
+  }
 }
 
 TEST(trimming, merging_alone_sorts_the_numbers_and_leaves_each_once) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -37,41 +38,17 @@ class ModelFiles : public testing::Test {
 using DirectoryList = ModelFiles;
 using Inspection = ModelFiles;
 
-TEST_F(ModelFiles, ABaseNameMeansTheUsualExtensionFirst) {
-  touch("bridge.YA3");
-  touch("bridge.ZA3");
-  const T_MODEL_FILE file = FIND_MODEL_FILE(path("bridge"), std::nullopt);
-  EXPECT_EQ(file.analysis_code, 0);
-  EXPECT_EQ(file.file_name, path("bridge.ZA3"));
-  EXPECT_EQ(FIND_MODEL_FILE(path("bridge"), 1).file_name, path("bridge.YA3"));
-}
-
-TEST_F(ModelFiles, WithoutTheUsualFileTheOneThatIsThereCounts) {
+TEST_F(ModelFiles, ABaseNameMeansTheUsualExtensionFirstAndElseTheOneThatIsThere) {
   touch("bridge.ZAX3");
-  const T_MODEL_FILE file = FIND_MODEL_FILE(path("bridge"), std::nullopt);
-  EXPECT_EQ(file.analysis_code, 4);
-  EXPECT_EQ(file.base_name, path("bridge"));
-  touch("bridge.XA3");
-  EXPECT_THROW((void)FIND_MODEL_FILE(path("bridge"), std::nullopt), T_TOOL_FAILURE);
-}
-
-TEST_F(ModelFiles, AFullFileNameTellsBaseNameAndCode) {
+  EXPECT_EQ(FIND_MODEL_FILE(path("bridge"), std::nullopt).analysis_code, 4);
   touch("bridge.WA3");
+  EXPECT_THROW((void)FIND_MODEL_FILE(path("bridge"), std::nullopt), T_TOOL_FAILURE);
   touch("bridge.ZA3");
+  EXPECT_EQ(FIND_MODEL_FILE(path("bridge"), std::nullopt).file_name, path("bridge.ZA3"));
+  EXPECT_EQ(FIND_MODEL_FILE(path("bridge"), 3).file_name, path("bridge.WA3"));
   const T_MODEL_FILE file = FIND_MODEL_FILE(path("bridge.WA3"), std::nullopt);
   EXPECT_EQ(file.analysis_code, 3);
   EXPECT_EQ(file.base_name, path("bridge"));
-}
-
-TEST_F(ModelFiles, AMissingFileIsAnsweredWithThoseBesideIt) {
-  touch("bridge.ZA3");
-  try {
-    (void)FIND_MODEL_FILE(path("brigde"), std::nullopt);
-    FAIL() << "no such file";
-  } catch (const T_TOOL_FAILURE& failure) {
-    EXPECT_NE(std::string(failure.what()).find("brigde.ZA3"), std::string::npos);
-    EXPECT_NE(failure.ADVICE().find("bridge.ZA3"), std::string::npos);
-  }
 }
 
 TEST_F(DirectoryList, EveryGroupOfEitherVersionIsListed) {
@@ -88,17 +65,14 @@ TEST_F(DirectoryList, EveryGroupOfEitherVersionIsListed) {
     EXPECT_EQ(directory.version, is_version_1 ? 1 : 2);
     EXPECT_EQ(directory.headers, std::ssize(layout.header_offsets));
     for (const modelkit::T_WRITTEN_BLOCK& block : layout.blocks) {
-      bool is_listed = false;
-      for (const T_DIRECTORY_ENTRY& entry : directory.entries) {
-        if (entry.tag != block.tag || entry.id != block.id) continue;
-        is_listed = true;
-        EXPECT_EQ(entry.first, block.first);
-        EXPECT_EQ(entry.last, block.last);
-        EXPECT_EQ(entry.record_words, block.record_words);
-        EXPECT_TRUE(entry.lies_in_file);
-      }
-      EXPECT_TRUE(is_listed) << block.tag;
+      const auto same = [&block](const T_DIRECTORY_ENTRY& entry) {
+        return entry.tag == block.tag && entry.id == block.id && entry.first == block.first &&
+               entry.last == block.last && entry.record_words == block.record_words && entry.lies_in_file;
+      };
+      EXPECT_EQ(std::ranges::count_if(directory.entries, same), 1) << block.tag;
     }
+    const T_INSPECTION inspection = INSPECT(FIND_MODEL_FILE(path("span"), std::nullopt), 6);
+    EXPECT_EQ(inspection.failures.size(), is_version_1 ? 1U : 0U);  // of an old one only the blocks are shown
   }
 }
 
@@ -114,42 +88,6 @@ TEST_F(DirectoryList, ADirectoryThatRunsInACircleEnds) {
   EXPECT_EQ(READ_DIRECTORY(unit, layout.path, directory).reason, REASON::DIRECTORY_CUT);
 }
 
-TEST_F(DirectoryList, ABlockBehindTheFilesEndIsMarked) {
-  const modelkit::T_FILE_LAYOUT layout = modelkit::WRITE_MODEL(modelkit::SIMPLE_SPAN_MODEL(), path("span"));
-  constexpr std::int64_t BLOCK_LAST = 16;
-  modelkit::OVERWRITE_WORD_AT(layout, layout.BLOCK("LNIF").entry_offset + BLOCK_LAST, 0x7FFFFFFF);
-  kernel::RECORD_FILE unit;
-  T_DIRECTORY directory;
-  ASSERT_TRUE(READ_DIRECTORY(unit, layout.path, directory).OK());
-  for (const T_DIRECTORY_ENTRY& entry : directory.entries) EXPECT_EQ(entry.lies_in_file, entry.tag != "LNIF");
-}
-
-TEST_F(Inspection, ADamagedBlockIsToldAndTheRestIsShown) {
-  const modelkit::T_FILE_LAYOUT layout = modelkit::WRITE_MODEL(modelkit::SIMPLE_SPAN_MODEL(), path("span"));
-  constexpr std::int64_t N_SPREAD = 1;
-  modelkit::OVERWRITE_WORD(layout, "LNIF", 1, N_SPREAD, -5);
-  const T_INSPECTION inspection = INSPECT(FIND_MODEL_FILE(path("span"), std::nullopt), 6);
-  ASSERT_EQ(inspection.failures.size(), 1U);
-  EXPECT_NE(inspection.failures[0].find("block LNIF: record 1: N_SPREAD is -5"), std::string::npos)
-      << inspection.failures[0];
-  EXPECT_FALSE(inspection.lanes);
-  EXPECT_TRUE(inspection.counts);
-  ASSERT_TRUE(inspection.vehicles);
-  EXPECT_EQ(inspection.vehicles->at(0).name, "BS 5400 1978 HA HB");
-  ASSERT_TRUE(inspection.cases);
-  EXPECT_EQ(inspection.cases->at(0).shown.at(0).at(0).sub_case, 1);
-  EXPECT_EQ(inspection.results.at(0).IDS_IN_WORDS(), "1 to 1");
-}
-
-TEST_F(Inspection, OfAnOldDirectoryOnlyTheBlocksAreShown) {
-  modelkit::T_FILE_FORM form;
-  form.directory_version_1 = true;
-  modelkit::WRITE_MODEL(modelkit::SIMPLE_SPAN_MODEL(), path("span"), form);
-  const T_INSPECTION inspection = INSPECT(FIND_MODEL_FILE(path("span"), std::nullopt), 6);
-  EXPECT_FALSE(inspection.directory.entries.empty());
-  EXPECT_EQ(inspection.failures.size(), 1U);
-}
-
 TEST_F(Inspection, ResultPointsAreThoseOfTheModel) {
   modelkit::T_MODEL model = modelkit::SIMPLE_SPAN_MODEL();
   const std::vector<std::vector<float>> values(6, std::vector<float>(51, 0.0F));
@@ -161,8 +99,6 @@ TEST_F(Inspection, ResultPointsAreThoseOfTheModel) {
   for (const T_RESULT_POINTS& points : inspection.results) {
     if (points.tag == "REAC") {
       EXPECT_EQ(points.ids, (std::vector<std::int32_t>{17, 4}));
-      EXPECT_TRUE(points.HOLDS(17));
-      EXPECT_FALSE(points.HOLDS(1));
     }
     if (points.tag == "LDSP") {
       EXPECT_EQ(points.ids, std::vector<std::int32_t>{23});

@@ -37,6 +37,10 @@ says() {
   if ! grep -qF -- "$2" "$1"; then fault "'$2' isn't in $1"; fi
 }
 
+narrow() {
+  if grep -qE '.{101}' out; then fault "a line is wider than a terminal"; fi
+}
+
 # json EXPRESSION: `out` is JSON, and the Python expression holds for it as `answer`.
 json() {
   if ! python3 -c "import json, sys; answer = json.load(open('out')); sys.exit(0 if ($1) else 1)"; then
@@ -70,10 +74,9 @@ says out "MVIF"
 says out "Moving load cases"
 says out "KEL 120 kN"
 says out "and 3 more; --all shows them"
-if [[ $(awk '{ if (length($0) > w) w = length($0) } END { print w }' out) -gt 100 ]]; then fault "inspect: too wide"; fi
+narrow
 expect 0 inspect $bridge.ZA3 --json --all
 json "answer['counts']['lanes'] == 3 and len(answer['lanes']) == 3 and answer['failures'] == []"
-json "[c['combination_count'] for c in answer['moving_load_cases']] == [3, 3, 9, 6]"
 json "[len(c['combinations']) for c in answer['moving_load_cases']] == [3, 3, 9, 6]"
 json "answer['vehicles'][0]['ha']['p'] == 0.475 and answer['vehicles'][0]['hb']['axle_load'] == 450"
 json "{r['kind'] for r in answer['results']} == {'disp', 'reac', 'simb'}"
@@ -82,7 +85,7 @@ expect 0 envelope $bridge --kind simb --id 3 --item 3 --case 1
 says out "MAXIMUM"
 says out "kN/m over"
 says out "KEL 120 kN at"
-if [[ $(awk '{ if (length($0) > w) w = length($0) } END { print w }' out) -gt 100 ]]; then fault "envelope: too wide"; fi
+narrow
 
 # All three lanes are loaded on both sides, one of them by a third, and the deck lies from 80 to 150.
 expect 0 envelope $bridge --kind 12 --id 3 --item 3 --case 1 --json

@@ -3,12 +3,13 @@
 
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 class TEMPORARY_DIRECTORY {
  public:
   TEMPORARY_DIRECTORY() {
     for (int number = 0; path_.empty(); ++number) {
-      const auto path = std::filesystem::temp_directory_path() / ("movload_kernel_" + std::to_string(number));
+      const auto path = std::filesystem::temp_directory_path() / ("movload_test_" + std::to_string(number));
       if (std::filesystem::create_directory(path)) path_ = path;
     }
   }
@@ -19,7 +20,7 @@ class TEMPORARY_DIRECTORY {
   TEMPORARY_DIRECTORY(const TEMPORARY_DIRECTORY&) = delete;
   TEMPORARY_DIRECTORY& operator=(const TEMPORARY_DIRECTORY&) = delete;
 
-  [[nodiscard]] std::string NAME(const std::string& file) const { return (path_ / file).string(); }
+  [[nodiscard]] std::string NAME(const std::string& file = "model") const { return (path_ / file).string(); }
 
  private:
   std::filesystem::path path_;
