@@ -119,8 +119,8 @@ enum movload_sizes {
  *   DISTANCE_MIN_RANGE
  *                   out     [200, lanes] the same for the ranges of negative influence
  *
- * Every pointer must be given, also where a model has no lanes. Arrays of lanes beyond the model's are cleared, but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which
- * stay as they were. */
+ * Every pointer must be given, also where a model has no lanes. Arrays of lanes beyond the model's are cleared,
+ * but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which stay as they were. */
 MOVLOAD_API void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t RESULT_KIND, int32_t RESULT_ID,
                                    int32_t RESULT_ITEM, int32_t MV_CASE, int32_t* NUM_LANE, double* FINAL_MAX,
                                    double* FINAL_MIN, int32_t* K_MXLOAD, int32_t* K_MNLOAD,

@@ -170,8 +170,8 @@ std::int32_t CHECK_LOAD_COMBINATION(const T_HOST_RECORDS& host, std::int32_t num
 
 namespace {
 
-/// Length of an HB zone by the numbers of the vehicle table's column VEHI_NO, in double precision. A column that isn't
-/// there counts 0.
+/// Length of an HB zone by the numbers of the vehicle table's column VEHI_NO, in double precision. A column
+/// that isn't there counts 0.
 double zone_length(const std::vector<search::T_VEHICLE>& vehicles, std::int32_t vehi_no, std::int32_t type) {
   constexpr double BOTH_CLEAR_DISTANCES = 50.0;
   const auto column = static_cast<std::size_t>(vehi_no - 1);

@@ -73,9 +73,9 @@ struct T_POINT_RULES {
 [[nodiscard]] std::int32_t CHECK_LOAD_COMBINATION(const T_HOST_RECORDS& host, std::int32_t num_lane,
                                                   std::int32_t n_straddle, const T_POINT_RULES& rules);
 
-/// Takes the zone of a lane's HB out of its reported ranges, on both sides. The zone begins at the HB's point and runs the
-/// way of the pass. `max_points` as the model states it: positions up to the next point behind are 0 where a lane has no
-/// point, and a position beyond leaves the lane alone.
+/// Takes the zone of a lane's HB out of its reported ranges, on both sides. The zone begins at the HB's point
+/// and runs the way of the pass. `max_points` as the model states it: positions up to the next point behind
+/// are 0 where a lane has no point, and a position beyond leaves the lane alone.
 struct T_TRIM_TABLES {
   const std::vector<search::T_LANE>& LANES;
   const std::vector<search::T_VEHICLE>& VEHICLES;

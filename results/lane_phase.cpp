@@ -41,8 +41,8 @@ void search_ha(const search::T_HB_INPUT& input, search::T_HB_WORK& work, search:
   }
 }
 
-/// The searches of a sub-case by layout: with all axles on the lane itself, and for a class whose axle list names other
-/// lanes. Null: the sub-case isn't searched yet, and files zeros.
+/// The searches of a sub-case by layout: with all axles on the lane itself, and for a class whose axle list
+/// names other lanes. Null: the sub-case isn't searched yet, and files zeros.
 struct T_SUB_CASE {
   bool ON_STRADDLE_LANES;
   SEARCH OWN_LANE[2];
@@ -135,7 +135,8 @@ class LANE_SEARCH {
     if (model_.HAS_CLASS_LANES()) work_.LANE_ORD_SAVE = work_.LANE_ORD.front();
   }
 
-  /// The ranges of an ordinary lane, as the host gets them; their counts serve the numbering after a reverse pass.
+  /// The ranges of an ordinary lane, as the host gets them; their counts serve the numbering after a reverse
+  /// pass.
   const std::array<search::T_RANGE_DISTANCES, N_SIDES>& FIND_DISTANCES() {
     const auto range_distances =
         layout_ == ROW_LAYOUT::SIMPLE ? search::RANGE_DISTANCES : search::RANGE_DISTANCES_JUMP;
@@ -182,9 +183,9 @@ class LANE_SEARCH {
     return false;
   }
 
-  /// Settles on which ordinates the class is searched. Where the model has axle lists, a class definition counts only for
-  /// a class whose list names other lanes; where it has none, the definition takes the place of the lane's own
-  /// ordinates. On a straddle lane without axle lists it changes nothing.
+  /// Settles on which ordinates the class is searched. Where the model has axle lists, a class definition
+  /// counts only for a class whose list names other lanes; where it has none, the definition takes the place
+  /// of the lane's own ordinates. On a straddle lane without axle lists it changes nothing.
   void prepare_class(std::int32_t veh_class) {
     const search::T_CLASS_DEFINITION* definition =
         model_.HAS_CLASS_LANES() ? model_.CLASS_DEFINITIONS.FIND(veh_class, number_) : nullptr;
@@ -250,8 +251,8 @@ class LANE_SEARCH {
     }
   }
 
-  /// A reverse pass has numbered its ranges from the lane's other end. An ordinary lane's count is that of its reported
-  /// ranges; a straddle lane has none, and takes what the kept placement's own search numbered.
+  /// A reverse pass has numbered its ranges from the lane's other end. An ordinary lane's count is that of
+  /// its reported ranges; a straddle lane has none, and takes what the kept placement's own search numbered.
   void renumber(search::T_SEARCH_RESULT& result) const {
     constexpr std::int32_t REVERSE_PASS = 2;
     const auto turn_round = [](std::vector<std::int32_t>& numbers, std::int32_t count) {

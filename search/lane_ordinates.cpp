@@ -9,8 +9,8 @@ namespace search {
 
 namespace {
 
-/// For each position the index of the next equal one, n where there is none. Along ascending positions that can only be the
-/// next point; positions of a damaged file are looked up.
+/// For each position the index of the next equal one, n where there is none. Along ascending positions that
+/// can only be the next point; positions of a damaged file are looked up.
 std::vector<std::size_t> next_repeats(const std::vector<real>& positions) {
   const std::size_t n = positions.size();
   std::vector<std::size_t> next(n, n);

@@ -14,9 +14,9 @@ namespace search {
 /// By set, as LANE_SEQUENCE numbers them, then plane; an ordinary lane has one plane.
 using T_PLANE_SETS = std::vector<std::vector<T_ORDINATES>>;
 
-/// Fills the sets behind the first from the lanes' own links: by planes for a straddle lane, else each lane's entries
-/// averaged. `drops_points` tells whether repeated points are dropped on lanes that don't keep theirs; rows behind the
-/// points left hold what the shifting left there.
+/// Fills the sets behind the first from the lanes' own links: by planes for a straddle lane, else each lane's
+/// entries averaged. `drops_points` tells whether repeated points are dropped on lanes that don't keep
+/// theirs; rows behind the points left hold what the shifting left there.
 void OTHER_LANE_ORDINATES(const std::vector<T_LANE>& lanes, const T_LANE_SEQUENCE& sequence,
                           const T_LOAD_ORD& LOAD_ORD, bool by_planes, bool drops_points, T_PLANE_SETS& sets);
 

@@ -122,7 +122,8 @@ void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANG
     ADD_FAR_PIECE<L>(line, zone, open, closed);
     add_segments<L>(line, zone.FAR_INDEX + 1, last, open, closed);
   } else {
-    // The ends of a vehicle that no model has, or of positions that don't ascend: by the same rules, in lane order.
+    // The ends of a vehicle that no model has, or of positions that don't ascend: by the same rules, in lane
+    // order.
     ADD_FAR_PIECE<L>(line, zone, open, closed);
     add_segments<L>(line, std::max(zone.FAR_INDEX + 1, 1), std::min(near_segment - 1, last), open, closed);
     ADD_NEAR_PIECE<L>(line, zone, open, closed);
@@ -136,8 +137,8 @@ namespace {
 /// From how many ranges on the next largest and smallest are looked up in a tree instead of searched for.
 constexpr std::int32_t MANY_RANGES = 2000;
 
-/// The same steps for a great many ranges, in n log n: the tree holds the means of the span with their places, the largest
-/// first and of equal ones the lowest place first.
+/// The same steps for a great many ranges, in n log n: the tree holds the means of the span with their
+/// places, the largest first and of equal ones the lowest place first.
 void sort_many_means(std::int32_t count, real* means, std::int32_t* numbers) {
   const auto rank = [](real mean) {
     return std::isnan(mean) ? -std::numeric_limits<real>::infinity() : mean;

@@ -81,12 +81,12 @@ TEST(examples, the_end_shear_of_a_simple_span_puts_the_knife_edge_over_the_suppo
 }
 
 // A beam of spans S and L, total T, under a uniform load q: the inner support's moment is -q S^3 / (8 T) from
-// S and -q L^3 / (8 T) from L; trapezoids on 40 segments give 1 - 1/1600 of that. L, with the greater mean, is
-// loaded first.
-// Spans 20 and 30: areas 20 and 67.5, times 1599/1600. L alone: w = 30, 2023.73. Both: w = 23.5487 for 50 m,
-// 87.4453 * 23.5487 = 2059.22, more. Knife edge 17.25 m from the last support: 3.464016 * 120 = 415.68.
-// Spans 20 and 60: areas 12.5 and 337.5, times 1599/1600. L alone: w = 21.5951, 7283.79. Both: w = 18.8371,
-// 349.7813 * 18.8371 = 6588.79, less. Knife edge 34.5 m from the last support: 8.660039 * 120 = 1039.20.
+// S and -q L^3 / (8 T) from L; trapezoids on 40 segments give 1 - 1/1600 of that. L, with the greater mean,
+// is loaded first. Spans 20 and 30: areas 20 and 67.5, times 1599/1600. L alone: w = 30, 2023.73. Both: w =
+// 23.5487 for 50 m, 87.4453 * 23.5487 = 2059.22, more. Knife edge 17.25 m from the last support: 3.464016 *
+// 120 = 415.68. Spans 20 and 60: areas 12.5 and 337.5, times 1599/1600. L alone: w = 21.5951, 7283.79. Both:
+// w = 18.8371, 349.7813 * 18.8371 = 6588.79, less. Knife edge 34.5 m from the last support: 8.660039 * 120 =
+// 1039.20.
 TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_intensity) {
   const int moment = modelkit::TWO_SPAN_SUPPORT_MOMENT;
   const auto both = ask(modelkit::TWO_SPAN_MODEL(20.0, 30.0), MOVLOAD_RK_SIMB, 1, moment);

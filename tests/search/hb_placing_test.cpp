@@ -14,8 +14,8 @@ using namespace search;
 using VALUES = std::vector<float>;
 using NUMBERS = std::vector<std::int32_t>;
 
-// Axles of 10 at 25, 27, 33 and 35 from the near end in a zone of 60; one type, for a longer one fits nowhere.
-// The UDL is 1 for every length.
+// Axles of 10 at 25, 27, 33 and 35 from the near end in a zone of 60; one type, for a longer one fits
+// nowhere. The UDL is 1 for every length.
 plain::HB_TASK task_on(const VALUES& x, const std::vector<VALUES>& planes) {
   plain::HB_TASK task;
   task.X = x;

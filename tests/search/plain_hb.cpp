@@ -10,8 +10,8 @@ namespace {
 constexpr float HB_CLEAR = 25.0F;
 constexpr float PORTION = 0.3333F;
 
-/// The lines of a pass by set and plane. Reversed distances start from 0; a reversed row keeps the order of its
-/// columns.
+/// The lines of a pass by set and plane. Reversed distances start from 0; a reversed row keeps the order of
+/// its columns.
 using LINES = std::vector<std::vector<LINE>>;
 
 LINES lines_of_pass(const HB_TASK& task, bool reverse) {

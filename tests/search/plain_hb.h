@@ -1,4 +1,5 @@
-// The judge of the HB placing and of the trimming of ranges, in plain steps like the judge of the lane search.
+// The judge of the HB placing and of the trimming of ranges, in plain steps like the judge of the lane
+// search.
 //
 // A form on other lanes' ordinates and the layout are data of the task.
 #pragma once

@@ -32,8 +32,8 @@ inline plain::LINE JUMP_LINE(std::vector<float> x, std::vector<float> before, st
   return {true, true, {std::move(x)}, {std::move(before)}, {std::move(after)}};
 }
 
-/// The library's answer to a task, on the first `planes` of each set. `behind` rows stand behind the lane's own,
-/// as where another lane of the model is longer.
+/// The library's answer to a task, on the first `planes` of each set. `behind` rows stand behind the lane's
+/// own, as where another lane of the model is longer.
 search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
                                   int behind, search::T_HB_WORK& work);
 

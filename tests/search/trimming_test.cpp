@@ -34,13 +34,15 @@ struct T_TRIMMED {
 };
 // clang-format off
 const T_TRIMMED CASES[] = {
-    // Ends that reach into the zone are cut. A gap inside it is bridged first, so only one range may reach into it.
+    // Ends that reach into the zone are cut. A gap inside it is bridged first, so only one range may reach
+    // into it.
     {{{10, 40}, {70, 90}}, {{10, 30}, {70, 90}}, {0, 0}, {1, 2}, 2},
     {{{10, 20}, {40, 90}}, {{10, 20}, {60, 90}}, {0, 0}, {1, 2}, 2},
     {{{10, 20}, {70, 90}}, {{10, 20}, {70, 90}}, {0, 0}, {1, 2}, 2},
     // A zone inside a range splits it, and the far piece is number 100.
     {{{10, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 100}, 3},
-    // Joined across the zone and split as one: fewer ranges, yet the count of loaded ones only grows by the far piece.
+    // Joined across the zone and split as one: fewer ranges, yet the count of loaded ones only grows by the
+    // far piece.
     {{{10, 40}, {50, 90}, {120, 150}}, {{10, 30}, {120, 150}}, {60, 90}, {1, 2, 0, 100}, 4},
     {{{10, 30}, {60, 90}}, {{10, 30}}, {60, 90}, {1, 0, 100}, 3},  // ends exactly at the zone
     // A range inside the zone leaves and the numbers stay, also where it starts or ends with the zone.
