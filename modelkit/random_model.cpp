@@ -186,11 +186,12 @@ class model_maker {
     }
   }
 
-  T_LANE_LOAD make_load() {
+  T_LANE_LOAD make_load(const T_LANE& lane) {
     constexpr std::int32_t CODES_PER_CLASS = 4;
     if (dice_.chance(0.25)) return {.code = 0, .scale = dice_.chance(0.5) ? 1.0 : 0.0};
-    const std::int32_t sub_case =
-        dice_.chance(options_.other_sub_cases) ? dice_.integer(2, CODES_PER_CLASS) : 1;
+    std::int32_t sub_case = 1;
+    if (dice_.chance(options_.other_sub_cases)) sub_case = lane.is_straddle ? dice_.integer(3, 4) : 2;
+    if (dice_.chance(0.05)) sub_case = dice_.integer(1, CODES_PER_CLASS);  // also such as don't fit the lane
     const double scale = dice_.chance(0.1) ? 0.0 : dice_.chance(0.5) ? 1.0 : dice_.real(0.2, 1.5);
     return {.code = CODES_PER_CLASS * (dice_.integer(1, classes_) - 1) + sub_case, .scale = scale};
   }
@@ -200,7 +201,7 @@ class model_maker {
       T_MOVING_LOAD_CASE load_case;
       for (std::int32_t count = dice_.integer(0, options_.max_combinations); count > 0; --count) {
         T_COMBINATION combination;
-        for (std::int32_t lane = 0; lane < lanes(); ++lane) combination.push_back(make_load());
+        for (const T_LANE& lane : model_.lanes) combination.push_back(make_load(lane));
         load_case.combinations.push_back(std::move(combination));
       }
       model_.moving_load_cases.push_back(std::move(load_case));

@@ -42,7 +42,7 @@ void search_ha(const search::T_HB_INPUT& input, search::T_HB_WORK& work, search:
 }
 
 /// The searches of a sub-case by layout: with all axles on the lane itself, and for a class whose axle list
-/// names other lanes. Null: the sub-case isn't searched yet, and files zeros.
+/// names other lanes.
 struct T_SUB_CASE {
   bool ON_STRADDLE_LANES;
   SEARCH OWN_LANE[2];
@@ -52,10 +52,18 @@ constexpr SEARCH HA_LANE = search_ha<search::HA_SEARCH_LANE>;
 constexpr SEARCH HA_LANE_JUMP = search_ha<search::HA_SEARCH_LANE_JUMP>;
 constexpr std::size_t HA_ALONE = 0;
 constexpr std::array<T_SUB_CASE, search::SUB_CASES> SEARCH_TABLE{{
-    {false, {HA_LANE, HA_LANE_JUMP}, {HA_LANE, HA_LANE_JUMP}},  // HA alone; an axle list makes no difference
-    {false, {nullptr, nullptr}, {nullptr, nullptr}},            // HB in the lane, HA beside it
-    {true, {nullptr, nullptr}, {nullptr, nullptr}},  // HB across two parent lanes, full HA UDL on both
-    {true, {nullptr, nullptr}, {nullptr, nullptr}},  // the same with full HA UDL on one, a third on the other
+    // HA alone; an axle list makes no difference.
+    {false, {HA_LANE, HA_LANE_JUMP}, {HA_LANE, HA_LANE_JUMP}},
+    // HB in the lane, HA beside it.
+    {false, {search::HB_LANE, search::HB_LANE_JUMP}, {search::HB_LANE_MULTI, search::HB_LANE_MULTI_JUMP}},
+    // HB across two parent lanes, full HA UDL on both.
+    {true,
+     {search::HB_STRADDLE_SUM, search::HB_STRADDLE_SUM_JUMP},
+     {search::HB_STRADDLE_SUM_MULTI, search::HB_STRADDLE_SUM_MULTI_JUMP}},
+    // The same with full HA UDL on one of them and a third of it on the other.
+    {true,
+     {search::HB_STRADDLE_THIRD, search::HB_STRADDLE_THIRD_JUMP},
+     {search::HB_STRADDLE_THIRD_MULTI, search::HB_STRADDLE_THIRD_MULTI_JUMP}},
 }};
 
 // ------------------------------------------------------------------------------------------ the lanes
@@ -245,7 +253,6 @@ class LANE_SEARCH {
         }
       }
       const SEARCH run = other_lanes ? SEARCH_TABLE[s].OTHER_LANES[layout] : SEARCH_TABLE[s].OWN_LANE[layout];
-      if (run == nullptr) continue;
       run(input, work_.SEARCH_WORK, filed.SEARCH);
       if (s != HA_ALONE) renumber(filed.SEARCH);
     }

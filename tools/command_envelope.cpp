@@ -25,7 +25,7 @@ namespace tools {
 namespace {
 
 /// Whether results/result_skeleton.cpp has searches for the sub-cases with an HB.
-constexpr bool HB_IS_PLACED = false;
+constexpr bool HB_IS_PLACED = true;
 
 struct T_ENVELOPE_OPTIONS {
   T_MODEL_OPTIONS model;

@@ -5,12 +5,13 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <utility>
 #include <vector>
 
-#include "tests/search/plain_search.h"
+#include "tests/search/plain_hb.h"
 
 namespace plain {
 
@@ -19,9 +20,9 @@ using namespace modelkit;
 namespace {
 
 constexpr int CODES_PER_CLASS = 4;
-constexpr int HA_ALONE = 1;  // the sub-cases of a lane code
-constexpr int STRADDLING = 4;
+enum SUB_CASE { HA_ALONE = 1, HB_IN_LANE, STRADDLE_SUM, STRADDLE_THIRD };
 constexpr std::int32_t BS_5400 = 20;
+constexpr const char* BAD_PORTION = " HA UDL SEARCH ERROR IS ENCOUNTERED. PLEASE CONTACT KORVA SUPPORT \n";
 
 template <class T>
 int count(const std::vector<T>& list) {
@@ -34,6 +35,11 @@ const T& entry(const std::vector<T>& list, int i) {
   return list.at(static_cast<std::size_t>(i) - 1);
 }
 
+/// Entry i of a list of which so many are in use, 0 behind them.
+float entry_or_0(const std::vector<double>& list, int i, int in_use) {
+  return i <= std::min(in_use, count(list)) ? static_cast<float>(entry(list, i)) : 0.0F;
+}
+
 int truncated(float value) {
   if (value >= -2147483648.0F && value < 2147483648.0F) return static_cast<int>(value);
   return INT_MIN;
@@ -42,20 +48,32 @@ int truncated(float value) {
 struct VEHICLE {
   int VEH_GROUP = 0, VEH_CLASS = 0, VEHICLE_CODE = 0;
   HA_CURVE CURVE;
-  float KEL_LOAD = 0;
+  float KEL_LOAD = 0, HB_LOAD = 0;
+  std::array<float, 3> HB{};        // HB_S, HB_B, HB_STEP as far as the count of the geometry goes
+  std::array<double, 3> HB_GEOM{};  // the same, whatever that count
 };
 
-/// What a search found for one side of a lane under one lane code, and what a combination takes over of it.
+/// Ordinates at all points that a lane may have, and one more.
+using ROW = std::vector<float>;
+
+/// A lane under the result in hand.
+struct LANE_LINES {
+  ROW X;
+  std::vector<ROW> PLANES;  // one in an ordinary lane
+  std::array<int, 2> KEL_POINT{};
+  std::array<int, 2> RANGE_COUNT{};
+};
+
+/// What a search found for one side of a lane under one lane code.
 struct FILED {
-  float VALUE = 0;
-  int PASS = 0, W_MILLI = 0, LOADED_COUNT = 0, KEL_POINT = 0;
-  std::vector<int> NUMBERS;
+  HB_SIDE FOUND;
+  int KEL_POINT = 0;
 };
 
-/// What a lane shows of a combination.
+/// What a lane shows of a combination: the lane's record, then those of two planes.
 struct SHOWN {
-  FILED LOADING;
-  int FACTOR = 0, PLANE_FACTOR = 0;
+  std::array<std::vector<int>, 3> RECORDS, NUMBERS;
+  int PASS = 0;
 };
 
 /// The best combination of a side.
@@ -65,11 +83,31 @@ struct BEST {
   std::vector<SHOWN> LANES;  // empty where no combination has a value beyond 0
 };
 
+/// The host's arrays of a side: of the lane, and of two planes.
+struct SIDE {
+  std::array<host::LANES_OF<std::int32_t>*, 3> RECORDS;
+  std::array<host::LANES_OF<std::int32_t>*, 3> NUMBERS;
+  host::LANES_OF<float>* DISTANCES;
+  std::vector<int> PASS;  // by lane, from 0
+
+  int& field(int k, int lane) { return (*RECORDS[0])(k, lane); }
+  int& pass(int lane) { return PASS.at(static_cast<std::size_t>(lane) - 1); }
+};
+
+// Fields of a record.
+enum FIELD { VEHI_NO = 1, W_HA_UDL, NO_LOADED_RANGE, TYPE_OF_HB, POSITION_OF_HB, FACTOR, HA_UDL_PORTION };
+enum { COMB_TYPE = 9, FIELDS = 10, NUMBERS_USED = 500, NUMBERS_ALL = 1000 };
+
 class JUDGE {
  public:
-  JUDGE(const T_MODEL& model, host::ARGUMENTS& host, int host_lanes)
-      : model_(model), host_(host), host_lanes_(host_lanes) {
-    for (const T_LANE& lane : model.lanes) straddle_lanes_ += lane.is_straddle ? 1 : 0;
+  JUDGE(const T_MODEL& model, host::ARGUMENTS& host, int host_lanes, MET& met)
+      : model_(model), host_(host), host_lanes_(host_lanes), met_(met) {
+    for (const T_LANE& lane : model.lanes) {
+      straddle_lanes_ += lane.is_straddle ? 1 : 0;
+      max_points_ = std::max(max_points_, count(lane.points));
+    }
+    for (const T_CLASS_DEFINITION& definition : model.class_definitions)
+      max_points_ = std::max(max_points_, count(definition.links));
     for (const T_VEHICLE_GROUP& group : model.vehicle_groups)
       for (const T_VEHICLE& vehicle : group.vehicles) add_vehicle(group.group, vehicle);
   }
@@ -84,32 +122,45 @@ class JUDGE {
     std::array<BEST, 2> best;
     if (fetch(kind, id, item)) {
       find_lane_vehicles();
-      for (int lane = 1; lane <= lanes() - straddle_lanes_; ++lane) search_lane(lane);
+      for (int lane = 1; lane <= lanes(); ++lane) lines_.push_back(lines_of(lane));
       best = combine(mv_case);
       host_.FINAL_MAX = static_cast<double>(best[0].PEAK);
       host_.FINAL_MIN = static_cast<double>(best[1].PEAK);
     }
-    hand_over(best[0], host_.K_MXLOAD, host_.K_MAXINFL_S, {&host_.K_MXLOAD1ST, &host_.K_MXLOAD2ND});
-    hand_over(best[1], host_.K_MNLOAD, host_.K_MININFL_S, {&host_.K_MNLOAD1ST, &host_.K_MNLOAD2ND});
+    // Every pass goes over all lanes before the next begins.
+    for (const std::size_t side : {0U, 1U}) {
+      hand_over(best[side], sides_[side]);
+      for (int lane = ordinary() + 1; lane <= lanes(); ++lane) fold(lane, sides_[side]);
+      check(sides_[side]);
+      for (int lane = 1; lane <= lanes(); ++lane) trim(lane, sides_[side]);
+      for (int lane = 1; lane <= lanes(); ++lane)
+        sides_[side].field(COMB_TYPE, lane) += 100 * sides_[side].pass(lane);
+    }
   }
 
  private:
   [[nodiscard]] int lanes() const { return count(model_.lanes); }
-  [[nodiscard]] bool straddles(int lane) const { return lane > lanes() - straddle_lanes_; }
+  [[nodiscard]] int ordinary() const { return lanes() - straddle_lanes_; }
+  [[nodiscard]] bool straddles(int lane) const { return lane > ordinary(); }
 
   void add_vehicle(std::int32_t group, const T_VEHICLE& vehicle) {
     const int loads = vehicle.load_count.value_or(count(vehicle.loads));
     // One entry more than the count is read.
     const int geometry = vehicle.geometry_count.value_or(count(vehicle.geometry)) + 1;
-    const bool has_load = loads >= 1 && !vehicle.loads.empty();
-    const bool has_length = geometry >= 1 && !vehicle.geometry.empty();
-    // clang-format off
-    const HA_CURVE curve{.W0 = static_cast<float>(vehicle.ha_w0), .K = static_cast<float>(vehicle.ha_k),
-                         .WMIN = static_cast<float>(vehicle.ha_wmin), .P = static_cast<float>(vehicle.ha_p),
-                         .L0 = has_length ? static_cast<float>(vehicle.geometry[0]) : 0.0F};
-    // clang-format on
-    vehicles_.push_back({group, vehicle.vehicle_class, vehicle.code, curve,
-                         has_load ? static_cast<float>(vehicle.loads[0]) : 0.0F});
+    VEHICLE& added = vehicles_.emplace_back();
+    added.VEH_GROUP = group;
+    added.VEH_CLASS = vehicle.vehicle_class;
+    added.VEHICLE_CODE = vehicle.code;
+    added.CURVE = {static_cast<float>(vehicle.ha_w0), static_cast<float>(vehicle.ha_k),
+                   static_cast<float>(vehicle.ha_wmin), static_cast<float>(vehicle.ha_p),
+                   entry_or_0(vehicle.geometry, 1, geometry)};
+    added.KEL_LOAD = entry_or_0(vehicle.loads, 1, loads);
+    added.HB_LOAD = entry_or_0(vehicle.loads, 2, loads) * entry_or_0(vehicle.loads, 100, 100);
+    for (const std::size_t i : {0U, 1U, 2U}) {
+      const int place = static_cast<int>(i) + 2;
+      added.HB[i] = entry_or_0(vehicle.geometry, place, geometry);
+      added.HB_GEOM[i] = static_cast<double>(entry_or_0(vehicle.geometry, place, 100));
+    }
   }
 
   void clear() {
@@ -117,11 +168,14 @@ class JUDGE {
       const auto entries = static_cast<std::ptrdiff_t>(array.PER_LANE) * host_lanes_;
       std::fill(array.values.begin(), array.values.begin() + entries, 0);
     };
-    for (auto* array :
-         {&host_.K_MXLOAD1ST, &host_.K_MNLOAD1ST, &host_.K_MXLOAD2ND, &host_.K_MNLOAD2ND,
-          &host_.K_MAXINFL_S1ST, &host_.K_MININFL_S1ST, &host_.K_MAXINFL_S2ND, &host_.K_MININFL_S2ND})
-      clear_array(*array);
-    for (auto* array : {&host_.DISTANCE_MAX_RANGE, &host_.DISTANCE_MIN_RANGE}) clear_array(*array);
+    for (SIDE& side : sides_) {
+      for (const std::size_t plane : {1U, 2U}) {
+        clear_array(*side.RECORDS[plane]);
+        clear_array(*side.NUMBERS[plane]);
+      }
+      clear_array(*side.DISTANCES);
+      side.PASS.resize(model_.lanes.size());
+    }
   }
 
   /// The component of the result under every unit load; false where the kind has nothing to search.
@@ -183,122 +237,220 @@ class JUDGE {
     }
   }
 
-  void search_lane(int lane) {
-    const T_LANE& own = entry(model_.lanes, lane);
-    const LIST<float> ordinates = lane_ordinates(own);
-    std::array<int, 2> kel_point{};
-    std::array<float, 2> peak{};
-    LINE line;
-    for (int k = 1; k <= ordinates.count(); ++k) {
-      for (const std::size_t side : {0U, 1U}) {
-        if (side == 0 ? ordinates(k) <= peak[0] : ordinates(k) >= peak[1]) continue;
-        peak[side] = ordinates(k);
-        kel_point[side] = k;
-      }
-      line.X.add(static_cast<float>(entry(own.points, k).x));
-      line.BEFORE.add(ordinates(k));
+  /// Sums of entries: in a straddle lane by plane, else of all in one row (no planes). `add` adds entry t of
+  /// point k to a sum.
+  template <class ADD>
+  [[nodiscard]] std::vector<ROW> rows_of(int planes, int entries, int per_plane, int points, ADD add) const {
+    const int per_row = planes == 0 ? entries : per_plane;
+    std::vector<ROW> rows;
+    for (int q = 1; q <= std::max(planes, 1); ++q) {
+      rows.push_back(empty_row());
+      for (int k = 1; k <= points; ++k)
+        for (int t = (q - 1) * per_row + 1; t <= std::min(q * per_row, entries); ++t)
+          add(k, t, rows.back()[static_cast<std::size_t>(k) - 1]);
     }
-    if (!model_.class_lanes && !own.keep_points) drop_repeated_points(line);
-    line.AFTER = line.BEFORE;
-
-    const BOTH_DISTANCES distances = RANGE_DISTANCES(line);
-    write_distances(distances.POSITIVE, host_.DISTANCE_MAX_RANGE, lane);
-    write_distances(distances.NEGATIVE, host_.DISTANCE_MIN_RANGE, lane);
-
-    std::set<int> class_done;
-    for (const VEHICLE& vehicle : vehicles_) {
-      if (!lane_vehicle_.contains({lane, &vehicle}) || !class_use_.contains({lane, vehicle.VEH_CLASS}))
-        continue;
-      if (!class_done.insert(vehicle.VEH_CLASS).second || vehicle.VEHICLE_CODE != BS_5400) continue;
-
-      LINE of_class = line;
-      // With axle lists in the model a definition serves the axles of an HB only.
-      const T_CLASS_DEFINITION* definition =
-          model_.axle_lists.empty() ? find_definition(vehicle.VEH_CLASS, lane) : nullptr;
-      if (definition != nullptr) {
-        of_class.BEFORE = class_ordinates(*definition, line.n());
-        of_class.AFTER = of_class.BEFORE;
-      }
-      const HA_RESULT found = HA_SEARCH_LANE(of_class, vehicle.CURVE, vehicle.KEL_LOAD);
-      auto& filed = filed_[{lane, (vehicle.VEH_CLASS - 1) * CODES_PER_CLASS + HA_ALONE}];
-      for (const std::size_t side : {0U, 1U}) {
-        const HA_SIDE& its_side = side == 0 ? found.MAX : found.MIN;
-        filed[side] = {its_side.VALUE,  1, its_side.W_MILLI, its_side.LOADED_COUNT, kel_point[side],
-                       its_side.NUMBERS};
-      }
-    }
+    return rows;
   }
 
-  LIST<float> lane_ordinates(const T_LANE& lane) {
+  [[nodiscard]] std::vector<ROW> link_rows(const T_LANE& lane, int planes) const {
     constexpr int SPREAD_PAIRS = 4;
-    const double F = static_cast<double>(static_cast<float>(1.0 / lane.entries_per_point));
-    LIST<float> row;
-    for (const T_INFLUENCE_POINT& point : lane.points) {
+    const int E = lane.entries_per_point;
+    const auto F = static_cast<double>(static_cast<float>(1.0 / (planes == 0 ? E : lane.entries_per_plane)));
+    return rows_of(planes, E, lane.entries_per_plane, count(lane.points), [&](int k, int t, float& sum) {
+      const T_INFLUENCE_POINT& point = entry(lane.points, k);
+      if (t > count(point.entries)) return;
       const double G = point.impact + 1.0;
-      float sum = 0;
       const auto add = [&](const T_LOAD_SHARE& share) {
         sum += static_cast<float>(share.weight * F * G) * load_ord_(share.load);
       };
-      for (int t = 1; t <= std::min(lane.entries_per_point, count(point.entries)); ++t) {
-        for (const T_LOAD_SHARE& link : {entry(point.entries, t).a, entry(point.entries, t).b}) {
-          if (link.load > 0) add(link);
-          if (link.load >= 0) continue;
-          const T_SPREAD_ROW& group = entry(lane.spread_rows, -link.load);
-          for (int i = 1; i <= std::min(count(group), SPREAD_PAIRS); ++i) add(entry(group, i));
-        }
+      for (const T_LOAD_SHARE& link : {entry(point.entries, t).a, entry(point.entries, t).b}) {
+        if (link.load > 0) add(link);
+        if (link.load >= 0) continue;
+        const T_SPREAD_ROW& group = entry(lane.spread_rows, -link.load);
+        for (int i = 1; i <= std::min(count(group), SPREAD_PAIRS); ++i) add(entry(group, i));
       }
-      row.add(sum);
-    }
-    return row;
+    });
   }
 
-  static void drop_repeated_points(LINE& line) {
-    for (int i = 1; i < line.n(); ++i) {
+  [[nodiscard]] std::vector<ROW> class_rows(const T_CLASS_DEFINITION& definition, int planes,
+                                            int points) const {
+    const int D = definition.entries_per_plane;
+    const float W = 1.0F / static_cast<float>(D);
+    const int defined = std::min(points, count(definition.links));
+    return rows_of(planes, definition.entries_per_point, D, defined, [&](int k, int t, float& sum) {
+      const auto& entries = entry(definition.links, k);
+      if (t > count(entries)) return;
+      for (const T_LOAD_SHARE& share : entry(entries, t))
+        sum += static_cast<float>(share.weight) * W * load_ord_(share.load);
+    });
+  }
+
+  [[nodiscard]] ROW empty_row() const { return ROW(static_cast<std::size_t>(max_points_) + 1); }
+  [[nodiscard]] static ROW positions(const T_LANE& lane) {
+    ROW x;
+    for (const T_INFLUENCE_POINT& point : lane.points) x.push_back(static_cast<float>(point.x));
+    return x;
+  }
+
+  /// Gives how many points are left. What stands behind them stays as it was.
+  int drop_repeated_points(const T_LANE& lane, ROW& x, std::vector<ROW>& planes) const {
+    int n = count(x);
+    if (model_.class_lanes || lane.keep_points) return n;
+    for (int i = 1; i < n; ++i) {
       int j = i + 1;
-      while (j <= line.n() && line.X(j) != line.X(i)) ++j;
-      if (j > line.n()) continue;
-      for (auto* list : {&line.X, &line.BEFORE}) list->values.erase(list->values.begin() + (j - 1));
+      while (j <= n && entry(x, j) != entry(x, i)) ++j;
+      if (j > n) continue;
+      const auto shift = [=](ROW& row) { std::copy(row.begin() + j, row.begin() + n, row.begin() + j - 1); };
+      shift(x);
+      for (ROW& plane : planes) shift(plane);
+      --n;
     }
+    return n;
   }
 
-  static void write_distances(const DISTANCES& side, host::LANES_OF<float>& array, int lane) {
-    int k = 0;
-    for (const auto& pair : side.PAIRS)
-      for (const float distance : pair) array(++k, lane) = distance;
+  [[nodiscard]] int planes_of(int lane) const {
+    const T_LANE& own = entry(model_.lanes, lane);
+    return straddles(lane) ? own.entries_per_point / own.entries_per_plane : 0;
   }
 
-  /// The definition is found by class and lane first, and then by its number: of equal numbers the first.
-  [[nodiscard]] const T_CLASS_DEFINITION* find_definition(int vehicle_class, int lane) const {
-    if (!has_definitions_) return nullptr;
-    int number = 0;
+  LANE_LINES lines_of(int lane) {
+    const T_LANE& own = entry(model_.lanes, lane);
+    LANE_LINES lines{positions(own), link_rows(own, planes_of(lane)), {}, {}};
+    std::array<float, 2> peak{};
+    for (int k = 1; k <= max_points_ + 1; ++k) {
+      const float ordinate = entry(lines.PLANES[0], k);
+      if (ordinate > peak[0]) peak[0] = ordinate, lines.KEL_POINT[0] = k;
+      if (ordinate < peak[1]) peak[1] = ordinate, lines.KEL_POINT[1] = k;
+    }
+    lines.X.resize(static_cast<std::size_t>(drop_repeated_points(own, lines.X, lines.PLANES)));
+    if (straddles(lane)) return lines;
+
+    const BOTH_DISTANCES distances = RANGE_DISTANCES(line_of(lines.X, lines.PLANES[0]));
+    for (const std::size_t side : {0U, 1U}) {
+      const DISTANCES& its_side = side == 0 ? distances.POSITIVE : distances.NEGATIVE;
+      lines.RANGE_COUNT[side] = its_side.RANGE_COUNT;
+      int k = 0;
+      for (const auto& pair : its_side.PAIRS)
+        for (const float distance : pair) (*sides_[side].DISTANCES)(++k, lane) = distance;
+    }
+    return lines;
+  }
+
+  static LINE line_of(const ROW& x, const ROW& row) {
+    LINE line;
+    line.X.values = x;
+    line.BEFORE.values.assign(row.begin(), row.begin() + count(x));
+    line.AFTER = line.BEFORE;
+    return line;
+  }
+
+  /// The number of the definition for this class and lane, 0 where there is none.
+  [[nodiscard]] int definition_number(int vehicle_class, int lane) const {
+    if (!has_definitions_) return 0;
     for (const T_CLASS_DEFINITION& definition : model_.class_definitions) {
       const auto& group = entry(model_.vehicle_groups, definition.group_row).vehicles;
       const int its_class = group.empty() ? 0 : group.back().vehicle_class;
-      const auto key = (its_class - 1) * lanes() + definition.lane;
-      if (key != (vehicle_class - 1) * lanes() + lane) continue;
-      number = definition.number;
-      break;
+      const int key = (its_class - 1) * lanes() + definition.lane;
+      if (key == (vehicle_class - 1) * lanes() + lane) return definition.number;
     }
-    if (number <= 0) return nullptr;
-    for (const T_CLASS_DEFINITION& definition : model_.class_definitions)
-      if (definition.number == number) return &definition;
-    return nullptr;
+    return 0;
   }
 
-  LIST<float> class_ordinates(const T_CLASS_DEFINITION& definition, int points) {
-    const float W = 1.0F / static_cast<float>(definition.entries_per_plane);
-    LIST<float> row;
-    for (int k = 1; k <= points; ++k) {
-      float sum = 0;
-      if (k <= count(definition.links)) {
-        const auto& entries = entry(definition.links, k);
-        for (int t = 1; t <= std::min(definition.entries_per_point, count(entries)); ++t)
-          for (const T_LOAD_SHARE& share : entry(entries, t))
-            sum += static_cast<float>(share.weight) * W * load_ord_(share.load);
-      }
-      row.add(sum);
+  /// Ordinates of a lane by the definition of that number: of equal numbers the first counts, 0 is none.
+  [[nodiscard]] std::vector<ROW> defined_rows(int number, int lane, int planes) const {
+    for (const T_CLASS_DEFINITION& definition : model_.class_definitions)
+      if (number != 0 && definition.number == number)
+        return class_rows(definition, planes, count(entry(model_.lanes, lane).points));
+    return std::vector<ROW>(static_cast<std::size_t>(std::max(planes, 1)), empty_row());
+  }
+
+  /// The lanes under the four axles, 0 for the lane itself; nothing where no entry names another lane.
+  [[nodiscard]] std::vector<int> axle_lanes(int vehicle_class, int lane, std::set<int>& named) const {
+    std::vector<int> axles;
+    for (const T_AXLE_LIST& list : model_.axle_lists)
+      if (list.vehicle_class == vehicle_class && list.lane == lane) axles = list.lanes;
+    for (int& axle : axles) {
+      if (axle == lane || axle < 0) axle = 0;
+      if (axle > 0) named.insert(axle);
     }
-    return row;
+    axles.resize(4);
+    return axles;
+  }
+
+  std::array<FILED, 2> search(int lane, const VEHICLE& vehicle, int sub_case) {
+    const LANE_LINES& lines = entry(lines_, lane);
+    const int planes = planes_of(lane);
+    std::set<int> named;
+    const std::vector<int> axles = axle_lanes(vehicle.VEH_CLASS, lane, named);
+    // A definition takes the place of an ordinary lane's line where no class has axle lists, and else of the
+    // lines under an HB whose axles run on other lanes too.
+    const int number = definition_number(vehicle.VEH_CLASS, lane);
+    std::vector<ROW> own = lines.PLANES;
+    if (number > 0 && (model_.axle_lists.empty() ? planes == 0 : !named.empty() && sub_case != HA_ALONE))
+      own = defined_rows(number, lane, planes);
+
+    if (sub_case == HA_ALONE) {
+      const HA_RESULT found = HA_SEARCH_LANE(line_of(lines.X, own[0]), vehicle.CURVE, vehicle.KEL_LOAD);
+      const auto side_of = [](const HA_SIDE& best, int kel_point) {
+        const HB_PART part{best.W_MILLI, best.LOADED_COUNT, 0, 0, 0, 0, best.NUMBERS};
+        return FILED{{best.VALUE, 1, {part, {}}}, kel_point};
+      };
+      return {side_of(found.MAX, lines.KEL_POINT[0]), side_of(found.MIN, lines.KEL_POINT[1])};
+    }
+
+    HB_TASK task{.X = lines.X,
+                 .SETS = {planes_of_points(own, lines.X)},
+                 .CURVE = vehicle.CURVE,
+                 .HB_LOAD = vehicle.HB_LOAD,
+                 .HB_S = vehicle.HB[0],
+                 .HB_B = vehicle.HB[1],
+                 .HB_STEP = vehicle.HB[2],
+                 .LANE_DIRECTION = static_cast<int>(entry(model_.lanes, lane).direction),
+                 .LANE_NUMBER = lane};
+    for (const int other : named) {
+      met_.SETS_OF_OTHER_LANES += 1;
+      for (std::size_t j = 0; j < 4; ++j)
+        if (axles[j] == other) task.AXLE_SET[j] = task.SETS.size();
+      const T_LANE& its_lane = entry(model_.lanes, other);
+      std::vector<ROW> rows = link_rows(its_lane, planes);
+      ROW x = positions(its_lane);
+      drop_repeated_points(its_lane, x, rows);
+      if (number > 0) rows = defined_rows(definition_number(vehicle.VEH_CLASS, other), other, planes);
+      task.SETS.push_back(planes_of_points(rows, lines.X));
+    }
+
+    HB_RESULT found = sub_case == HB_IN_LANE     ? HB_LANE(task)
+                      : sub_case == STRADDLE_SUM ? HB_STRADDLE_SUM(task)
+                                                 : HB_STRADDLE_THIRD(task);
+    // A reverse pass has numbered the ranges from the lane's other end.
+    for (const std::size_t side : {0U, 1U}) {
+      for (HB_PART& part : found[side].PARTS) {
+        const int ranges = planes == 0 ? lines.RANGE_COUNT[side] : part.NUMBERED;
+        for (int& e : part.NUMBERS)
+          if (found[side].PASS_REC == 2 && e > 0) e = ranges - e + 1;
+      }
+    }
+    return {FILED{found[0]}, FILED{found[1]}};
+  }
+
+  static PLANES planes_of_points(const std::vector<ROW>& rows, const ROW& x) {
+    PLANES planes;
+    for (const ROW& row : rows) planes.push_back({{row.begin(), row.begin() + count(x)}, {}});
+    for (ORDINATES& plane : planes) plane.AFTER = plane.BEFORE;
+    return planes;
+  }
+
+  /// What is filed for a lane code: by the first column of its class that serves the lane.
+  const std::array<FILED, 2>& filed(int lane, int its_class, int sub_case) {
+    const auto [place, is_new] = filed_.try_emplace({lane, its_class, sub_case});
+    const bool fits = straddles(lane) == (sub_case >= STRADDLE_SUM);
+    if (!is_new || !fits || !class_use_.contains({lane, its_class})) return place->second;
+    for (const VEHICLE& vehicle : vehicles_) {
+      if (vehicle.VEH_CLASS != its_class || !lane_vehicle_.contains({lane, &vehicle})) continue;
+      if (vehicle.VEHICLE_CODE == BS_5400) place->second = search(lane, vehicle, sub_case);
+      break;
+    }
+    return place->second;
   }
 
   std::array<BEST, 2> combine(std::int32_t mv_case) {
@@ -316,12 +468,11 @@ class JUDGE {
           const int its_class = (load.code - sub_case) / CODES_PER_CLASS + 1;
           for (const VEHICLE& vehicle : vehicles_) {
             if (vehicle.VEH_CLASS != its_class || !lane_vehicle_.contains({lane, &vehicle})) continue;
-            const FILED& filed = filed_[{lane, load.code}][side];
-            SHOWN& shown = candidate.LANES[static_cast<std::size_t>(lane) - 1];
-            candidate.PEAK += filed.VALUE * scale;
+            const FILED& loading = filed(lane, its_class, sub_case)[side];
+            candidate.PEAK += loading.FOUND.VALUE * scale;
             candidate.COMB_CLASS = its_class;
-            shown.LOADING = filed;
-            (sub_case == STRADDLING ? shown.PLANE_FACTOR : shown.FACTOR) = truncated(scale * 1e7F);
+            show(loading, truncated(scale * 1e7F), sub_case == STRADDLE_THIRD,
+                 candidate.LANES[static_cast<std::size_t>(lane) - 1]);
           }
         }
         const bool better = side == 0 ? candidate.PEAK > best[side].PEAK : best[side].PEAK > candidate.PEAK;
@@ -331,49 +482,160 @@ class JUDGE {
     return best;
   }
 
-  void hand_over(const BEST& best, host::LANES_OF<std::int32_t>& record,
-                 host::LANES_OF<std::int32_t>& numbers,
-                 std::array<host::LANES_OF<std::int32_t>*, 2> plane_records) const {
+  static void show(const FILED& loading, int factor, bool by_plane, SHOWN& shown) {
+    shown.PASS = loading.FOUND.PASS_REC;
+    for (std::size_t plane = 0; plane < (by_plane ? 2 : 1); ++plane) {
+      const HB_PART& part = loading.FOUND.PARTS[plane];
+      const std::size_t record = by_plane ? plane + 1 : 0;
+      shown.RECORDS[record] = {0,      part.W_MILLI, part.LOADED_COUNT, part.HB_TYPE, part.HB_POSITION,
+                               factor, part.HB_CODE, loading.KEL_POINT};
+      shown.NUMBERS[record] = part.NUMBERS;
+    }
+  }
+
+  void hand_over(const BEST& best, SIDE& side) {
     for (int lane = 1; lane <= lanes(); ++lane) {
       const SHOWN shown = best.LANES.empty() ? SHOWN{} : entry(best.LANES, lane);
-      const FILED& loading = shown.LOADING;
-      // No HB anywhere: type 1 in every ordinary lane.
-      const int comb_type = (straddles(lane) ? 0 : 1) + 100 * loading.PASS;
-      // clang-format off
-      const int fields[] = {best.COMB_CLASS, loading.W_MILLI, loading.LOADED_COUNT, 0, 0, shown.FACTOR, 0,
-                            loading.KEL_POINT, comb_type, 0};
-      // clang-format on
-      for (int k = 1; k <= 10; ++k) record(k, lane) = fields[k - 1];
-      for (int k = 1; k <= 500; ++k)
-        numbers(k, lane) = k <= count(loading.NUMBERS) ? entry(loading.NUMBERS, k) : 0;
-      for (auto* plane : plane_records) {
-        (*plane)(1, lane) = best.COMB_CLASS;
-        (*plane)(6, lane) = shown.PLANE_FACTOR;
+      side.pass(lane) = shown.PASS;
+      for (const std::size_t i : {0U, 1U, 2U}) {
+        int* const record = &(*side.RECORDS[i])(1, lane);
+        int* const numbers = &(*side.NUMBERS[i])(1, lane);
+        std::fill_n(record, FIELDS, 0);
+        std::fill_n(numbers, NUMBERS_USED, 0);
+        std::ranges::copy(shown.RECORDS[i], record);
+        std::ranges::copy(shown.NUMBERS[i], numbers);
+        *record = best.COMB_CLASS;
       }
     }
+  }
+
+  /// Where both planes of a straddle lane carry HA, their records take the place of the parents'.
+  void fold(int straddle_lane, SIDE& side) const {
+    const T_LANE& lane = entry(model_.lanes, straddle_lane);
+    for (const std::size_t plane : {1U, 2U})
+      if ((*side.RECORDS[plane])(W_HA_UDL, straddle_lane) < 1) return;
+    for (const std::size_t plane : {1U, 2U}) {
+      const int parent = plane == 1 ? lane.left_parent : lane.right_parent;
+      side.pass(parent) = side.pass(straddle_lane);
+      std::copy_n(&(*side.RECORDS[plane])(1, straddle_lane), FIELDS, &side.field(1, parent));
+      std::copy_n(&(*side.NUMBERS[plane])(1, straddle_lane), NUMBERS_ALL, &(*side.NUMBERS[0])(1, parent));
+    }
+  }
+
+  void check(SIDE& side) {
+    int with_hb = 0;
+    int with_full_ha = 0;
+    int full = 0;
+    for (int lane = 1; lane <= ordinary(); ++lane) {
+      const int digit = side.field(HA_UDL_PORTION, lane) % 10;
+      if (digit <= 1) full = digit;
+      if (digit > 1) met_.PRINTED += BAD_PORTION;
+      with_full_ha += full;
+      with_hb += side.field(TYPE_OF_HB, lane) != 0 && side.field(POSITION_OF_HB, lane) != 0 ? 1 : 0;
+    }
+    const int segment = points_per_segment();
+    for (int lane = 1; lane <= ordinary(); ++lane) {
+      int& portion = side.field(HA_UDL_PORTION, lane);
+      int& type = side.field(COMB_TYPE, lane);
+      if (with_hb == 0) type = 1;
+      if (with_hb == 1) type = 2, portion = 1;
+      if (with_hb == 2 && with_full_ha == 0) type = 3, portion += 1;
+      if (with_hb == 2 && with_full_ha == 1) type = 4;
+      int& p = side.field(POSITION_OF_HB, lane);
+      const bool expands = type >= 2 && p != 0 && segment != 1;
+      if (expands && !model_.keep_points && !model_.class_lanes) p += (p - 1) / (segment - 1);
+    }
+    for (int lane = ordinary() + 1; lane <= lanes(); ++lane) {
+      int& f = side.field(HA_UDL_PORTION, lane);
+      if (f == 0) continue;
+      f = f / 100 * 10000 + f % 10 * 10 + 1;
+      side.field(COMB_TYPE, lane) = 3;
+    }
+  }
+
+  [[nodiscard]] int points_per_segment() const {
+    int p = 3;
+    for (int lane = 1; lane <= lanes(); ++lane) {
+      const auto& points = entry(model_.lanes, lane).points;
+      for (int k = 1; k <= count(points); ++k) {
+        if (k == count(points)) return k;
+        const auto d = static_cast<float>(entry(points, k + 1).x - entry(points, k).x);
+        if (std::abs(d) >= 1E-10F) continue;
+        if (lane > 1 && p == k) return k;
+        if (lane > 1) continue;
+        p = k;
+        break;
+      }
+    }
+    return p;
+  }
+
+  void trim(int lane, SIDE& side) {
+    const int T = side.field(TYPE_OF_HB, lane);
+    const int P = side.field(POSITION_OF_HB, lane);
+    if (T == 0 || P == 0 || P > max_points_ + 1) return;
+    const int column = side.field(VEHI_NO, lane);
+    const std::array<double, 3> hb = column <= std::min(count(vehicles_), 100)
+                                         ? entry(vehicles_, column).HB_GEOM
+                                         : std::array<double, 3>{};
+    const double length = 50.0 + 2.0 * hb[0] + hb[1] + (T - 1.0) * hb[2];
+    // A straddle lane has no points there, and a lane none behind its own.
+    const auto& points = entry(model_.lanes, lane).points;
+    const bool has_point = !straddles(lane) && P <= count(points);
+    const float x = has_point ? static_cast<float>(entry(points, P).x) : 0.0F;
+    const double other_end = static_cast<double>(x) + (side.pass(lane) == 1 ? length : -length);
+    const float near_end = side.pass(lane) == 1 ? x : static_cast<float>(other_end);
+    const float far_end = side.pass(lane) == 1 ? static_cast<float>(other_end) : x;
+
+    float* const distances = &(*side.DISTANCES)(1, lane);
+    int* const numbers = &(*side.NUMBERS[0])(1, lane);
+    int& loaded = side.field(NO_LOADED_RANGE, lane);
+    REPORTED ranges;
+    std::copy_n(distances, 200, ranges.FLAT.begin());
+    std::copy_n(numbers, NUMBERS_USED, ranges.NUMBERS.begin());
+    ranges.NO_LOADED_RANGE = loaded;
+    REPORTED merged = ranges;
+    MERGE_LOADED_RANGES(far_end, near_end, merged);
+    TRIM_LOADED_RANGES(far_end, near_end, ranges);
+    met_.MERGED_LISTS += !std::equal(merged.FLAT.begin(), merged.FLAT.end(), distances) ? 1 : 0;
+    met_.SPLIT_RANGES += ranges.NO_LOADED_RANGE - loaded;
+    std::ranges::copy(ranges.FLAT, distances);
+    std::ranges::copy(ranges.NUMBERS, numbers);
+    loaded = ranges.NO_LOADED_RANGE;
   }
 
   const T_MODEL& model_;
   host::ARGUMENTS& host_;
   int host_lanes_;
+  MET& met_;
+  // clang-format off
+  std::array<SIDE, 2> sides_{{
+      {{&host_.K_MXLOAD, &host_.K_MXLOAD1ST, &host_.K_MXLOAD2ND},
+       {&host_.K_MAXINFL_S, &host_.K_MAXINFL_S1ST, &host_.K_MAXINFL_S2ND}, &host_.DISTANCE_MAX_RANGE, {}},
+      {{&host_.K_MNLOAD, &host_.K_MNLOAD1ST, &host_.K_MNLOAD2ND},
+       {&host_.K_MININFL_S, &host_.K_MININFL_S1ST, &host_.K_MININFL_S2ND}, &host_.DISTANCE_MIN_RANGE, {}}}};
+  // clang-format on
   int straddle_lanes_ = 0;
+  int max_points_ = 0;
   bool has_definitions_ = false;
   LIST<float> load_ord_;
   std::vector<VEHICLE> vehicles_;
+  std::vector<LANE_LINES> lines_;
   std::set<std::pair<int, const VEHICLE*>> lane_vehicle_;
-  std::set<std::pair<int, int>> class_use_;                    // (lane, class)
-  std::map<std::pair<int, int>, std::array<FILED, 2>> filed_;  // (lane, code)
+  std::set<std::pair<int, int>> class_use_;                   // (lane, class)
+  std::map<std::array<int, 3>, std::array<FILED, 2>> filed_;  // (lane, class, sub-case)
 };
 
 }  // namespace
 
 host::ARGUMENTS RUN(const T_MODEL& model, int host_lanes, std::int32_t mode_code, std::int32_t kind,
-                    std::int32_t id, std::int32_t item, std::int32_t mv_case) {
+                    std::int32_t id, std::int32_t item, std::int32_t mv_case, MET* met) {
   constexpr std::int32_t BEAM_ITEMS = 50;
   host::ARGUMENTS host(host_lanes);
   host.MODE_CODE = mode_code;
   if (kind == MOVLOAD_RK_BEAM && item > BEAM_ITEMS) return host;
-  JUDGE(model, host, host_lanes).run(mode_code, kind, id, item, mv_case);
+  MET unasked;
+  JUDGE(model, host, host_lanes, met != nullptr ? *met : unasked).run(mode_code, kind, id, item, mv_case);
   return host;
 }
 
