@@ -9,13 +9,13 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "kernel/driver.h"
 #include "tools/envelope_report.h"
 #include "tools/host_run.h"
 #include "tools/model_options.h"
-#include "tools/moving_load_cases.h"
 #include "tools/progress.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
@@ -23,9 +23,6 @@
 
 namespace tools {
 namespace {
-
-/// Whether results/result_skeleton.cpp has searches for the sub-cases with an HB.
-constexpr bool HB_IS_PLACED = true;
 
 struct T_ENVELOPE_OPTIONS {
   T_MODEL_OPTIONS model;
@@ -62,16 +59,32 @@ T_BACKGROUND read_background(const T_MODEL_FILE& file, const T_KIND& kind) {
   return background;
 }
 
-/// The one KEL of the model's BS 5400 vehicles; none where they differ.
-std::optional<double> kel_load(const std::vector<search::T_VEHICLE>& vehicles) {
-  std::optional<double> load;
+/// The numbers of the model's BS 5400 vehicles, where they agree in what `same` compares; the records don't
+/// tell of each lane which vehicle it carries.
+template <class SAME>
+std::optional<search::T_VEHICLE_PARAMETERS> common_vehicle(const std::vector<search::T_VEHICLE>& vehicles,
+                                                           SAME same) {
+  std::optional<search::T_VEHICLE_PARAMETERS> common;
   for (const search::T_VEHICLE& vehicle : vehicles) {
     if (vehicle.VEHICLE_CODE != search::BS_5400_VEHICLE) continue;
-    const auto of_this = static_cast<double>(search::VEHICLE_PARAMETERS(vehicle).KEL_LOAD);
-    if (load && *load != of_this) return std::nullopt;
-    load = of_this;
+    const search::T_VEHICLE_PARAMETERS parameters = search::VEHICLE_PARAMETERS(vehicle);
+    if (common && !same(*common, parameters)) return std::nullopt;
+    common = parameters;
   }
-  return load;
+  return common;
+}
+
+std::optional<double> kel_load(const std::vector<search::T_VEHICLE>& vehicles) {
+  const auto common =
+      common_vehicle(vehicles, [](const auto& a, const auto& b) { return a.KEL_LOAD == b.KEL_LOAD; });
+  if (!common) return std::nullopt;
+  return static_cast<double>(common->KEL_LOAD);
+}
+
+std::optional<search::T_VEHICLE_PARAMETERS> hb_vehicle(const std::vector<search::T_VEHICLE>& vehicles) {
+  return common_vehicle(vehicles, [](const auto& a, const auto& b) {
+    return std::tie(a.HB_LOAD, a.HB_S, a.HB_B, a.HB_STEP) == std::tie(b.HB_LOAD, b.HB_S, b.HB_B, b.HB_STEP);
+  });
 }
 
 /// Name of the first vehicle of a class, whose values the search takes.
@@ -99,13 +112,6 @@ std::vector<std::string> notes_on(const T_ENVELOPE_OPTIONS& options, const T_BAC
     notes.push_back(fmt::format("the files hold no moving load case {}; cases: {}", options.mv_case,
                                 counts.N_MV_CASE == 0 ? "none" : fmt::format("1 to {}", counts.N_MV_CASE)));
     return notes;
-  }
-  bool has_hb = false;
-  const STATUS status = CASE_HAS_HB(background.model.COMBINATIONS, options.mv_case, has_hb);
-  if (!HB_IS_PLACED && status.OK() && has_hb) {
-    notes.push_back(
-        fmt::format("moving load case {} has HB lanes; this version searches HA alone, and they add nothing",
-                    options.mv_case));
   }
   return notes;
 }
@@ -145,9 +151,14 @@ T_ENVELOPE_REPORT work_out(const T_ENVELOPE_OPTIONS& options) {
     report.combinations = counts.N_COMBINATION[static_cast<std::size_t>(options.mv_case - 1)];
   report.has_several_classes = background.model.COMBINATIONS.BOOK().CLASSES().size() > 1;
   report.kel_load = kel_load(background.model.VEHICLES);
+  const T_RECORD_TABLES tables{
+      background.model.LANES,
+      {background.model.POINTS_PER_SEGMENT, counts.KEEP_POINTS, counts.CLASS_LANES != 0,
+       kernel::IS_SECTION_ITEM(kind.result_kind, options.item)},
+      hb_vehicle(background.model.VEHICLES)};
   for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
     report.values[side] = answer.sides[side].value;
-    report.sides[side] = GOVERNING_LOADING(answer.sides[side], background.model.LANES);
+    report.sides[side] = GOVERNING_LOADING(answer.sides[side], tables);
     report.vehicle_names[side] = vehicle_name(background, report.sides[side].vehicle_class);
   }
   report.notes = notes_on(options, background);

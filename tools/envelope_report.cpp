@@ -33,9 +33,15 @@ std::string place_text(const T_PLACE& place) {
                         : fmt::format(" at point {}", place.point);
 }
 
-/// The loaded ranges as they follow each other along the lane.
-T_LINES range_lines(const T_HA_UDL& udl) {
+/// Pieces with commas between them, in lines behind an indent.
+void append_indented(T_LINES& lines, const std::vector<std::string>& pieces) {
   constexpr std::size_t INDENT = 4;
+  for (const std::string& line : WRAP(pieces, ", ", SIDE_WIDTH - INDENT))
+    lines.push_back(std::string(INDENT, ' ') + line);
+}
+
+/// The loaded ranges as they follow each other along the lane.
+std::vector<std::string> range_pieces(const T_HA_UDL& udl) {
   std::vector<T_LOADED_RANGE> ranges = udl.ranges;
   std::ranges::stable_sort(ranges, {}, &T_LOADED_RANGE::start);
   std::vector<std::string> pieces;
@@ -45,46 +51,59 @@ T_LINES range_lines(const T_HA_UDL& udl) {
                          ? fmt::format("{} to {}", distance_text(range.start), distance_text(range.end))
                          : fmt::format("range {} {}", range.number, NO_DISTANCE));
   }
-  T_LINES lines = WRAP(pieces, ", ", SIDE_WIDTH - INDENT);
-  for (std::string& line : lines) line.insert(0, INDENT, ' ');
-  return lines;
+  return pieces;
 }
 
-void append_loading(T_LINES& lines, const T_LOADING& loading, PASS pass) {
-  if (loading.hb) {
-    const std::string_view direction = pass == PASS::REVERSE ? ", reverse" : ", forward";
-    lines.push_back(fmt::format("HB  type {}{}{}", loading.hb->type, place_text(loading.hb->place),
-                                pass == PASS::NONE ? "" : direction));
+void append_hb(T_LINES& lines, const T_HB& hb) {
+  const std::string_view way = hb.pass == PASS::REVERSE ? "drives in reverse" : "drives forward";
+  if (!hb.HAS_AXLES()) {
+    lines.push_back(fmt::format("type {}, {}, from{}", hb.type, way, place_text(hb.place).substr(3)));
+    return;
   }
-  if (!loading.udl) return;
-  lines.push_back(fmt::format("UDL {:.3f} kN/m over {}", loading.udl->intensity,
-                              distance_text(loading.udl->loaded_length)));
-  const T_LINES ranges = range_lines(*loading.udl);
-  lines.insert(lines.end(), ranges.begin(), ranges.end());
+  lines.push_back(fmt::format("type {}, {:.5g} m between inner axles", hb.type, hb.inner_spacing));
+  lines.push_back(fmt::format("{}; axles of {:.5g} kN at", way, hb.axles[0].load));
+  T_LINES axles;
+  for (const T_AXLE& axle : hb.axles) axles.push_back(distance_text(axle.distance));
+  append_indented(lines, axles);
+  lines.push_back(
+      fmt::format("no UDL from {} to {}", distance_text(hb.clear_start), distance_text(hb.clear_end)));
+}
+
+/// "UDL 26.399 kN/m over 39.310" or "UDL 26.399 kN/m, a third acts, over 39.310", and the ranges.
+void append_udl(T_LINES& lines, const T_HA_UDL& udl) {
+  lines.push_back(fmt::format("UDL {:.3f} kN/m{} over {}", udl.intensity,
+                              udl.portion < 1.0 ? ", a third acts," : "", distance_text(udl.loaded_length)));
+  append_indented(lines, range_pieces(udl));
+}
+
+/// Where a straddling HB stands and how much HA UDL its parent lanes have.
+void append_straddling(T_LINES& lines, const T_LANE_SIDE& side) {
+  if (side.loading.hb->plane != 0)
+    lines.push_back(fmt::format("across the lanes: plane {}", side.loading.hb->plane));
+  const auto portion = [&side](std::size_t parent) {
+    return side.parent_portions[parent] < 1.0 ? "a third" : "full";
+  };
+  lines.push_back(fmt::format("UDL {} on lane {}, {} on lane {}", portion(0), side.parents[0], portion(1),
+                              side.parents[1]));
 }
 
 T_LINES lane_lines(const T_LANE_SIDE& side, std::optional<double> kel_load) {
   if (side.carries == CARRIES::NOTHING) return {"-"};
-  T_LINES lines{fmt::format("{}, factor {:.4f}", CARRIES_TEXT(side.carries), side.loading.factor)};
-  if (side.planes.empty()) {
-    append_loading(lines, side.loading, side.pass);
+  T_LINES lines;
+  if (side.carries == CARRIES::UDL_BESIDE_HB) {
+    lines.push_back(
+        fmt::format("beside the HB of lane {}, factor {:.4f}", side.straddle_lane, side.loading.factor));
   } else {
-    lines[0] = fmt::format("{}, factor {:.4f}", CARRIES_TEXT(side.carries), side.planes[0].factor);
-    for (std::size_t plane = 0; plane < side.planes.size(); ++plane) {
-      lines.emplace_back(plane == 0 ? "first plane:" : "second plane:");
-      append_loading(lines, side.planes[plane], side.pass);
-    }
+    lines.push_back(fmt::format("{}, factor {:.4f}", CARRIES_TEXT(side.carries), side.loading.factor));
   }
+  if (side.loading.hb) append_hb(lines, *side.loading.hb);
+  if (side.loading.hb && side.carries == CARRIES::STRADDLING_HB) append_straddling(lines, side);
+  if (side.loading.udl) append_udl(lines, *side.loading.udl);
   if (side.kel) {
     const std::string load = kel_load ? fmt::format("KEL {} kN", VALUE_TEXT(*kel_load)) : "KEL";
     lines.push_back(load + place_text(*side.kel));
   }
-  if (lines.size() == 1) {
-    lines.emplace_back("adds nothing on this side");
-  } else if (side.carries != CARRIES::HA) {
-    lines.push_back(
-        fmt::format("HA UDL portion {}, combination type {}", side.loading.portion, side.combination_type));
-  }
+  if (lines.size() == 1) lines.emplace_back("adds nothing on this side");
   return lines;
 }
 
@@ -156,39 +175,58 @@ ordered_json udl_json(const T_HA_UDL& udl) {
     }
     ranges.push_back(std::move(json));
   }
-  return {{"intensity", udl.intensity}, {"loaded_length", udl.loaded_length}, {"ranges", std::move(ranges)}};
+  return {{"intensity", udl.intensity},
+          {"portion", udl.portion},
+          {"loaded_length", udl.loaded_length},
+          {"ranges", std::move(ranges)}};
 }
 
-/// UDL and HB of a record; null for what isn't there.
-void add_loading(ordered_json& json, const T_LOADING& loading) {
-  json["factor"] = loading.factor;
-  json["udl"] = loading.udl ? udl_json(*loading.udl) : ordered_json();
-  json["hb"] = nullptr;
-  if (loading.hb) {
-    json["hb"] = {{"type", loading.hb->type}};
-    json["hb"].update(place_json(loading.hb->place));
+ordered_json pass_json(PASS pass) {
+  return pass == PASS::NONE ? ordered_json() : pass == PASS::FORWARD ? "forward" : "reverse";
+}
+
+ordered_json hb_json(const T_HB& hb) {
+  ordered_json json{{"type", hb.type}, {"drives", pass_json(hb.pass)}};
+  json.update(place_json(hb.place));
+  json["plane"] = hb.plane == 0 ? ordered_json() : ordered_json(hb.plane);
+  json["inner_axle_spacing"] = nullptr;
+  json["axles"] = nullptr;
+  json["clear_of_udl"] = nullptr;
+  if (hb.HAS_AXLES()) {
+    json["inner_axle_spacing"] = hb.inner_spacing;
+    json["axles"] = ordered_json::array();
+    for (const T_AXLE& axle : hb.axles)
+      json["axles"].push_back({{"distance", axle.distance}, {"load", axle.load}});
+    json["clear_of_udl"] = {{"start", hb.clear_start}, {"end", hb.clear_end}};
   }
-  json["ha_udl_portion"] = loading.portion;
+  return json;
 }
 
 ordered_json lane_json(const T_LANE_SIDE& side, std::optional<double> kel_load) {
-  ordered_json json{{"lane", side.lane}, {"straddles", nullptr}, {"carries", CARRIES_TEXT(side.carries)}};
-  if (side.parents[0] != 0) json["straddles"] = side.parents;
-  add_loading(json, side.loading);
-  json["kel"] = nullptr;
+  ordered_json json{{"lane", side.lane},
+                    {"straddles", nullptr},
+                    {"beside_hb_of_lane", nullptr},
+                    {"carries", CARRIES_TEXT(side.carries)},
+                    {"factor", side.loading.factor},
+                    {"udl", nullptr},
+                    {"hb", nullptr},
+                    {"kel", nullptr},
+                    {"pass", pass_json(side.pass)},
+                    {"combination_type", side.combination_type},
+                    {"record", side.record},
+                    {"plane_records", nullptr}};
+  if (side.parents[0] != 0) {
+    json["straddles"] = side.parents;
+    json["plane_records"] = side.plane_records;
+  }
+  if (side.straddle_lane != 0) json["beside_hb_of_lane"] = side.straddle_lane;
+  if (side.loading.udl) json["udl"] = udl_json(*side.loading.udl);
+  if (side.loading.hb) json["hb"] = hb_json(*side.loading.hb);
   if (side.kel) {
     json["kel"] = {{"load", nullptr}};
     if (kel_load) json["kel"]["load"] = *kel_load;
     json["kel"].update(place_json(*side.kel));
   }
-  json["pass"] = side.pass == PASS::NONE      ? ordered_json()
-                 : side.pass == PASS::FORWARD ? "forward"
-                                              : "reverse";
-  json["combination_type"] = side.combination_type;
-  ordered_json planes = ordered_json::array();
-  for (const T_LOADING& plane : side.planes) add_loading(planes.emplace_back(ordered_json::object()), plane);
-  json["planes"] = std::move(planes);
-  json["record"] = side.record;
   return json;
 }
 

@@ -1,5 +1,8 @@
 // The governing loading of one side, from the library's records to plain words and numbers, lane by lane.
 //
+// A straddling HB has a lane of its own in the records. Here that lane holds the vehicle alone; the HA UDL
+// beside it is told of the two parent lanes, on which it stands.
+//
 // A loaded range is named by its number among the ranges that the search cut. The list of distances counts
 // its ranges by points, and joins two that meet in a single point at 0 where the search parts them. On a lane
 // with such a point the numbers run apart, and a distance can belong to a neighbouring range.
@@ -11,13 +14,16 @@
 #include <string_view>
 #include <vector>
 
+#include "kernel/loading_records.h"
+#include "search/hb_placing.h"
 #include "search/lane_ordinates.h"
+#include "search/vehicle_tables.h"
 #include "tools/host_run.h"
 
 namespace tools {
 
-enum class CARRIES : std::uint8_t { NOTHING, HA, HB, STRADDLING_HB };
-/// "nothing", "HA", "HB" or "straddling HB".
+enum class CARRIES : std::uint8_t { NOTHING, HA, HB, STRADDLING_HB, UDL_BESIDE_HB };
+/// "nothing", "HA", "HB", "straddling HB" or, on a parent lane of the last, "UDL beside straddling HB".
 [[nodiscard]] std::string_view CARRIES_TEXT(CARRIES carries);
 
 enum class PASS : std::uint8_t { NONE = 0, FORWARD = 1, REVERSE = 2 };
@@ -36,34 +42,53 @@ struct T_PLACE {
 };
 
 struct T_HA_UDL {
-  double intensity = 0.0;              // kN/m
-  std::vector<T_LOADED_RANGE> ranges;  // in the order in which the search took them up
+  double intensity = 0.0;              // kN/m, for the loaded length
+  double portion = 1.0;                // of it that acts: 1, or 0.3333 on one parent lane of a straddling HB
+  std::vector<T_LOADED_RANGE> ranges;  // in the order in which the records name them
   double loaded_length = 0.0;          // of the ranges with a distance
 };
 
-struct T_HB {
-  std::int32_t type = 0;  // 1 to 5
-  T_PLACE place;
+struct T_AXLE {
+  double distance = 0.0;  // along the lane
+  double load = 0.0;      // kN
 };
 
-/// What one record says of a lane, or of one plane of a straddle lane.
+struct T_HB {
+  std::int32_t type = 0;   // 1 to 5
+  PASS pass = PASS::NONE;  // the way it drives: FORWARD along the lane, REVERSE against it
+  T_PLACE place;           // where its clear stretch begins, 25 m behind the last axle
+  std::int32_t plane = 0;  // of the straddle lane, where it stands across the lanes; 0 not known
+  // Zeros where the place isn't known, or which of several vehicles the HB is.
+  double inner_spacing = 0.0;                    // m between the inner axles
+  std::array<T_AXLE, search::HB_AXLES> axles{};  // from the first, the way it drives
+  double clear_start = 0.0;                      // the stretch without HA UDL, along the lane
+  double clear_end = 0.0;
+
+  [[nodiscard]] bool HAS_AXLES() const noexcept { return clear_end > clear_start; }
+};
+
 struct T_LOADING {
   double factor = 0.0;
-  std::int32_t portion = 0;  // HA_UDL_PORTION as it comes
   std::optional<T_HA_UDL> udl;
   std::optional<T_HB> hb;
 };
 
 struct T_LANE_SIDE {
   std::int32_t lane = 0;
-  std::array<std::int32_t, 2> parents{};  // of a straddle lane; zeros of any other
   CARRIES carries = CARRIES::NOTHING;
   T_LOADING loading;
-  std::optional<T_PLACE> kel;
-  std::vector<T_LOADING> planes;  // two where a straddling HB is recorded by plane, else none
+  std::optional<T_PLACE> kel;  // of HA alone: none stands beside an HB
   PASS pass = PASS::NONE;
+
+  // Of a straddle lane, zeros of any other: its parent lanes, and the portion of the HA UDL on each.
+  std::array<std::int32_t, 2> parents{};
+  std::array<double, 2> parent_portions{};
+  std::int32_t straddle_lane = 0;  // of a parent lane: the lane of the HB that stands across it
+
+  // As they came.
   std::int32_t combination_type = 0;  // 0 to 4
-  std::vector<std::int32_t> record;   // the ten values as they came
+  std::vector<std::int32_t> record;
+  std::array<std::vector<std::int32_t>, 2> plane_records;  // of a straddle lane; empty of any other
 };
 
 struct T_SIDE_LOADING {
@@ -71,8 +96,13 @@ struct T_SIDE_LOADING {
   std::vector<T_LANE_SIDE> lanes;
 };
 
-/// `lanes` are the model's: positions of their points, and which of them are straddle lanes.
-[[nodiscard]] T_SIDE_LOADING GOVERNING_LOADING(const T_HOST_SIDE_ARRAYS& side,
-                                               const std::vector<search::T_LANE>& lanes);
+/// What the records are read with.
+struct T_RECORD_TABLES {
+  const std::vector<search::T_LANE>& lanes;                // the model's
+  kernel::T_POINT_RULES point_rules;                       // in which numbering HB positions come
+  std::optional<search::T_VEHICLE_PARAMETERS> hb_vehicle;  // none where vehicles differ in their HB
+};
+
+[[nodiscard]] T_SIDE_LOADING GOVERNING_LOADING(const T_HOST_SIDE_ARRAYS& side, const T_RECORD_TABLES& tables);
 
 }  // namespace tools

@@ -42,20 +42,4 @@ STATUS READ_CASE(const kernel::T_COMBINATIONS& combinations, std::int32_t number
   return {};
 }
 
-STATUS CASE_HAS_HB(const kernel::T_COMBINATIONS& combinations, std::int32_t number, bool& has_hb) {
-  constexpr std::int32_t HA_ALONE = 1;
-  has_hb = false;
-  kernel::T_COMBINATION_CURSOR cursor(combinations);
-  if (STATUS status = cursor.BEGIN(number); !status.OK()) return status;
-  for (std::int32_t c = 0; c < cursor.COUNT() && !has_hb; ++c) {
-    kernel::T_COMBINATION_VIEW view;
-    if (STATUS status = cursor.NEXT(view); !status.OK()) return status;
-    for (std::int32_t lane = 0; lane < combinations.NUM_LANE(); ++lane) {
-      const std::int32_t code = view.LANE_CODE[lane];
-      if (code != 0 && view.LANE_SCALE[lane] != 0 && sub_case_of(code) != HA_ALONE) has_hb = true;
-    }
-  }
-  return {};
-}
-
 }  // namespace tools

@@ -30,9 +30,6 @@ struct T_CASE {
 STATUS READ_CASE(const kernel::T_COMBINATIONS& combinations, std::int32_t number, std::int32_t most_shown,
                  T_CASE& mv_case);
 
-/// Whether some combination of a case puts an HB on a lane.
-STATUS CASE_HAS_HB(const kernel::T_COMBINATIONS& combinations, std::int32_t number, bool& has_hb);
-
 /// "HA", "HB", "HB straddling" or "HB straddling, one third".
 [[nodiscard]] std::string_view SUB_CASE_NAME(std::int32_t sub_case);
 
