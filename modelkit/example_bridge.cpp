@@ -30,8 +30,9 @@ constexpr double BEARING = 1.0e6;
 // By clause 3.2.9 a carriageway of more than 7.6 m and up to 11.4 m has three notional lanes of equal width.
 constexpr double CARRIAGEWAY_START = 0.5;
 constexpr double CARRIAGEWAY_WIDTH = 9.0;
-constexpr int LANES = 3;
-constexpr double LANE_WIDTH = CARRIAGEWAY_WIDTH / LANES;
+constexpr int NOTIONAL_LANES = 3;
+constexpr int LANES = NOTIONAL_LANES + 1;  // the last one straddles the first two
+constexpr double LANE_WIDTH = CARRIAGEWAY_WIDTH / NOTIONAL_LANES;
 
 constexpr int SEGMENT_LENGTH = 10;
 constexpr int STEPS_PER_METRE = 2;
@@ -39,6 +40,8 @@ constexpr double OFF_THE_DECK = 0.01;
 
 constexpr std::int32_t HA = 1;  // lane codes of class 1: the sub-cases themselves
 constexpr std::int32_t HB = 2;
+constexpr std::int32_t STRADDLING_FULL = 3;
+constexpr std::int32_t STRADDLING_THIRD = 4;
 constexpr double THIRD = 1.0 / 3.0;
 
 enum RESULT_KINDS : int { DISP_KIND = 1, REAC_KIND = 2, SIMB_KIND = 12 };
@@ -146,45 +149,69 @@ T_TRANSVERSE_ENTRY links_at(T_LANE& lane, int half_metres, double y) {
   return {.a = {.load = -static_cast<std::int32_t>(lane.spread_rows.size()), .weight = 1.0}};
 }
 
-T_LANE make_lane(int number) {
+/// Distance of a notional lane's axis from the first beam. At 1.5 the border between lanes 1 and 2.
+double axis_of(double lane) {
+  return CARRIAGEWAY_START + LANE_WIDTH * (lane - 0.5);
+}
+
+/// A lane whose planes, one of an ordinary lane, have these axes.
+T_LANE make_lane(const std::vector<double>& axes) {
   constexpr int DECK_END = STEPS_PER_METRE * BRIDGE_LENGTH;
   constexpr int SEGMENT_STEPS = STEPS_PER_METRE * SEGMENT_LENGTH;
   constexpr int APPROACH_STEPS = static_cast<int>(BRIDGE_APPROACH) * STEPS_PER_METRE;
-  const double axis = CARRIAGEWAY_START + LANE_WIDTH * (number - 0.5);
+  constexpr std::array<double, 3> PLACES = {-LANE_WIDTH / 3.0, 0.0, LANE_WIDTH / 3.0};
 
   T_LANE lane;
-  lane.entries_per_point = 3;
+  lane.entries_per_plane = static_cast<std::int32_t>(PLACES.size());
+  lane.entries_per_point = lane.entries_per_plane * static_cast<std::int32_t>(axes.size());
   for (int start = -APPROACH_STEPS; start < DECK_END + APPROACH_STEPS; start += SEGMENT_STEPS) {
     for (int at = start; at <= start + SEGMENT_STEPS; ++at) {
       T_INFLUENCE_POINT point;
       point.x = BRIDGE_APPROACH + static_cast<double>(at) / STEPS_PER_METRE;
       if (at == -1) point.x = BRIDGE_APPROACH - OFF_THE_DECK;
       if (at == DECK_END + 1) point.x = BRIDGE_APPROACH + BRIDGE_LENGTH + OFF_THE_DECK;
-      for (const double aside : {-LANE_WIDTH / 3.0, 0.0, LANE_WIDTH / 3.0})
-        point.entries.push_back(at >= 0 && at <= DECK_END ? links_at(lane, at, axis + aside)
-                                                          : T_TRANSVERSE_ENTRY{});
+      for (const double axis : axes)
+        for (const double aside : PLACES)
+          point.entries.push_back(at >= 0 && at <= DECK_END ? links_at(lane, at, axis + aside)
+                                                            : T_TRANSVERSE_ENTRY{});
       lane.points.push_back(std::move(point));
     }
   }
   return lane;
 }
 
-T_COMBINATION lane_loads(const std::array<std::int32_t, LANES>& codes,
-                         const std::array<double, LANES>& scales) {
-  T_COMBINATION combination;
-  for (std::size_t lane = 0; lane < LANES; ++lane)
-    combination.push_back({.code = scales[lane] > 0.0 ? codes[lane] : 0, .scale = scales[lane]});
+T_LANE make_straddle_lane() {
+  T_LANE lane = make_lane({axis_of(1.5), axis_of(1), axis_of(2)});
+  lane.is_straddle = true;
+  lane.left_parent = 1;
+  lane.right_parent = 2;
+  return lane;
+}
+
+using T_LANE_CODES = std::array<std::int32_t, NOTIONAL_LANES>;
+using T_LANE_SCALES = std::array<double, NOTIONAL_LANES>;
+
+/// What the notional lanes carry, the straddle lane being empty.
+T_COMBINATION lane_loads(const T_LANE_CODES& codes, const T_LANE_SCALES& scales) {
+  T_COMBINATION combination(LANES);
+  for (std::size_t lane = 0; lane < NOTIONAL_LANES; ++lane)
+    combination[lane] = {.code = scales[lane] > 0.0 ? codes[lane] : 0, .scale = scales[lane]};
   return combination;
 }
 
+/// An HB across lanes 1 and 2, which its own code covers, and HA in lane 3.
+T_COMBINATION straddling(std::int32_t code, double scale_of_lane_3) {
+  return {{}, {}, {.code = HA, .scale = scale_of_lane_3}, {.code = code, .scale = 1.0}};
+}
+
 std::vector<T_MOVING_LOAD_CASE> make_cases() {
-  constexpr std::array<std::int32_t, LANES> ALL_HA = {HA, HA, HA};
+  constexpr T_LANE_CODES ALL_HA = {HA, HA, HA};
   std::vector<T_COMBINATION> with_third;
   std::vector<T_COMBINATION> single;
   std::vector<T_COMBINATION> pairs;
   std::vector<T_COMBINATION> with_hb;
-  for (std::size_t odd = 0; odd < LANES; ++odd) {
-    std::array<double, LANES> scales = {1.0, 1.0, 1.0};
+  for (std::size_t odd = 0; odd < NOTIONAL_LANES; ++odd) {
+    T_LANE_SCALES scales = {1.0, 1.0, 1.0};
     scales[odd] = THIRD;
     with_third.push_back(lane_loads(ALL_HA, scales));
     scales[odd] = 0.0;
@@ -192,9 +219,9 @@ std::vector<T_MOVING_LOAD_CASE> make_cases() {
     scales = {0.0, 0.0, 0.0};
     scales[odd] = 1.0;
     single.push_back(lane_loads(ALL_HA, scales));
-    for (std::size_t third = 0; third < LANES; ++third) {
+    for (std::size_t third = 0; third < NOTIONAL_LANES; ++third) {
       if (third == odd) continue;
-      std::array<std::int32_t, LANES> codes = ALL_HA;
+      T_LANE_CODES codes = ALL_HA;
       codes[odd] = HB;
       scales = {1.0, 1.0, 1.0};
       scales[third] = THIRD;
@@ -204,10 +231,18 @@ std::vector<T_MOVING_LOAD_CASE> make_cases() {
   std::vector<T_COMBINATION> any = with_third;
   any.insert(any.end(), single.begin(), single.end());
   any.insert(any.end(), pairs.begin(), pairs.end());
+  const T_COMBINATION straddling_full = straddling(STRADDLING_FULL, THIRD);
+  const T_COMBINATION straddling_third = straddling(STRADDLING_THIRD, 1.0);
+  std::vector<T_COMBINATION> any_hb = with_hb;
+  any_hb.push_back(straddling_full);
+  any_hb.push_back(straddling_third);
   return {{.combinations = with_third},
           {.combinations = single},
           {.combinations = any},
-          {.combinations = with_hb}};
+          {.combinations = with_hb},
+          {.combinations = {straddling_full}},
+          {.combinations = {straddling_third}},
+          {.combinations = any_hb}};
 }
 
 std::vector<T_NAMED_RESULT> make_results() {
@@ -237,14 +272,20 @@ T_EXAMPLE EXAMPLE_BRIDGE() {
 
   T_EXAMPLE example;
   example.title = "Three-span continuous deck, 20 + 30 + 20 m, five beams, three notional lanes";
-  example.lane_names = {"left lane", "middle lane", "right lane"};
-  example.case_names = {"HA in all lanes", "HA in one lane", "HA in any lanes",
-                        "HB in one lane, HA in the others"};
+  example.lane_names = {"left lane", "middle lane", "right lane", "HB across left and middle lane"};
+  example.case_names = {"HA in all lanes",
+                        "HA in one lane",
+                        "HA in any lanes",
+                        "HB in one lane, HA in the others",
+                        "HB across lanes 1 and 2, full HA UDL beside it on both",
+                        "HB across lanes 1 and 2, HA UDL beside it full on one and a third on the other",
+                        "HB in any of these ways"};
   example.results = make_results();
 
   T_MODEL& model = example.model;
   model.unit_loads = NODES;
-  for (int lane = 1; lane <= LANES; ++lane) model.lanes.push_back(make_lane(lane));
+  for (int lane = 1; lane <= NOTIONAL_LANES; ++lane) model.lanes.push_back(make_lane({axis_of(lane)}));
+  model.lanes.push_back(make_straddle_lane());
   model.vehicle_groups = {{.group = 1, .vehicles = {HA_1978_VEHICLE()}}};
   model.moving_load_cases = make_cases();
   add_displacements(model, deck);

@@ -22,6 +22,9 @@
 // evenly over three places across the lane, at its axis and 1 m to either side. A place between two beams
 // bears on both by the lever rule, at half metres on the four nodes around it. The points off the deck have
 // no links; those next to it stand 1 cm off, so that nothing but that centimetre leans on the deck.
+//
+// Lane 4 is a straddle lane over lanes 1 and 2: an HB of 45 units on their border (plane 1) or on the axis of
+// either (planes 2 and 3). All lanes are driven in both directions.
 #pragma once
 
 #include <string>
@@ -59,12 +62,16 @@ enum BRIDGE_ITEM : int {
 };
 
 /// Moving load cases of the bridge. Loads are nominal, without partial factors; the lane factors are those of
-/// clause 6.4.1 for HA and 6.4.2 for HB.
+/// clause 6.4.1 for HA and 6.4.2 for HB: two lanes in full, one of which may be the HB's, and a third in the
+/// last.
 enum BRIDGE_CASE : int {
   BRIDGE_CASE_HA = 1,         // full HA in two lanes and a third in the other, in all three choices
   BRIDGE_CASE_HA_SINGLE = 2,  // full HA in one lane, the others empty
   BRIDGE_CASE_HA_ANY = 3,     // the above, and full HA in two lanes with the third one empty
-  BRIDGE_CASE_HB = 4  // HB in one lane, full HA in another and a third in the last, in all six choices
+  BRIDGE_CASE_HB = 4,  // HB in one lane, full HA in another and a third in the last, in all six choices
+  BRIDGE_CASE_STRADDLING_FULL = 5,   // HB across lanes 1 and 2, full HA UDL on both, a third of HA in lane 3
+  BRIDGE_CASE_STRADDLING_THIRD = 6,  // the same with full HA UDL on one, a third on the other, full HA in 3
+  BRIDGE_CASE_HB_ANY = 7             // all combinations of cases 4, 5 and 6
 };
 
 /// A result that is worth asking for.

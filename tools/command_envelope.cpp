@@ -99,8 +99,9 @@ std::string vehicle_name(const T_BACKGROUND& background, std::int32_t veh_class)
 }
 
 /// Why an answer may not be what was meant: the library takes a question beyond the files for one without
-/// loading.
-std::vector<std::string> notes_on(const T_ENVELOPE_OPTIONS& options, const T_BACKGROUND& background) {
+/// loading. And what the records leave open.
+std::vector<std::string> notes_on(const T_ENVELOPE_OPTIONS& options, const T_BACKGROUND& background,
+                                  const std::array<T_SIDE_LOADING, 2>& sides) {
   std::vector<std::string> notes;
   const T_RESULT_POINTS& points = background.points;
   const kernel::T_COUNTS& counts = background.model.COUNTS;
@@ -113,6 +114,11 @@ std::vector<std::string> notes_on(const T_ENVELOPE_OPTIONS& options, const T_BAC
                                 counts.N_MV_CASE == 0 ? "none" : fmt::format("1 to {}", counts.N_MV_CASE)));
     return notes;
   }
+  const auto has_hb = [](const T_LANE_SIDE& lane) { return lane.loading.hb.has_value(); };
+  if (background.model.AXLE_LANES.EXISTS() && std::ranges::any_of(sides, [&](const T_SIDE_LOADING& side) {
+        return std::ranges::any_of(side.lanes, has_hb);
+      }))
+    notes.emplace_back("the model has axle lists: axles of an HB may run on other lanes than its own");
   return notes;
 }
 
@@ -161,7 +167,7 @@ T_ENVELOPE_REPORT work_out(const T_ENVELOPE_OPTIONS& options) {
     report.sides[side] = GOVERNING_LOADING(answer.sides[side], tables);
     report.vehicle_names[side] = vehicle_name(background, report.sides[side].vehicle_class);
   }
-  report.notes = notes_on(options, background);
+  report.notes = notes_on(options, background, report.sides);
   return report;
 }
 

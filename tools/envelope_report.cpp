@@ -21,7 +21,12 @@ constexpr std::size_t GAP = TEXT_WIDTH - LABEL_WIDTH - 2 * SIDE_WIDTH;
 
 constexpr std::string_view NO_DISTANCE = "(*)";
 constexpr std::string_view NO_DISTANCE_MEANING =
-    "(*) Without distances of its own: ranges that meet in a point at 0 have them together.\n";
+    "(*) The library's records number this range and don't tell where it lies.\n";
+constexpr std::string_view HB_MEANING =
+    "HB: axles from the front; clear of UDL to 25 m beyond the outer ones. Beside it the vehicle's length\n"
+    "counts as loaded length too, and there is no KEL.\n";
+constexpr std::string_view PLANE_MEANING =
+    "Planes: the places of a straddling HB across its lanes; the second and third are these lanes' own.\n";
 
 std::string distance_text(double distance) {
   return fmt::format("{:.3f}", distance);
@@ -54,10 +59,19 @@ std::vector<std::string> range_pieces(const T_HA_UDL& udl) {
   return pieces;
 }
 
+/// "clear 85.000 (point 182) to 144.600"; in a reverse pass the point stands behind.
+std::string clear_text(const T_HB& hb) {
+  const bool is_reverse = hb.pass == PASS::REVERSE;
+  const std::string point = fmt::format(" (point {})", hb.place.point);
+  return fmt::format("clear {}{} to {}{}", distance_text(hb.clear_start), is_reverse ? "" : point,
+                     distance_text(hb.clear_end), is_reverse ? point : "");
+}
+
 void append_hb(T_LINES& lines, const T_HB& hb) {
   const std::string_view way = hb.pass == PASS::REVERSE ? "drives in reverse" : "drives forward";
   if (!hb.HAS_AXLES()) {
-    lines.push_back(fmt::format("type {}, {}, from{}", hb.type, way, place_text(hb.place).substr(3)));
+    lines.push_back(fmt::format("type {}, {}", hb.type, way));
+    lines.push_back("clear from" + place_text(hb.place).substr(std::string_view(" at").size()));
     return;
   }
   lines.push_back(fmt::format("type {}, {:.5g} m between inner axles", hb.type, hb.inner_spacing));
@@ -65,26 +79,33 @@ void append_hb(T_LINES& lines, const T_HB& hb) {
   T_LINES axles;
   for (const T_AXLE& axle : hb.axles) axles.push_back(distance_text(axle.distance));
   append_indented(lines, axles);
-  lines.push_back(
-      fmt::format("no UDL from {} to {}", distance_text(hb.clear_start), distance_text(hb.clear_end)));
+  lines.push_back(clear_text(hb));
 }
 
-/// "UDL 26.399 kN/m over 39.310" or "UDL 26.399 kN/m, a third acts, over 39.310", and the ranges.
-void append_udl(T_LINES& lines, const T_HA_UDL& udl) {
-  lines.push_back(fmt::format("UDL {:.3f} kN/m{} over {}", udl.intensity,
-                              udl.portion < 1.0 ? ", a third acts," : "", distance_text(udl.loaded_length)));
-  append_indented(lines, range_pieces(udl));
-}
-
-/// Where a straddling HB stands and how much HA UDL its parent lanes have.
+/// Where a straddling HB stands across its lanes, and how much HA UDL they have beside it.
 void append_straddling(T_LINES& lines, const T_LANE_SIDE& side) {
-  if (side.loading.hb->plane != 0)
-    lines.push_back(fmt::format("across the lanes: plane {}", side.loading.hb->plane));
-  const auto portion = [&side](std::size_t parent) {
-    return side.parent_portions[parent] < 1.0 ? "a third" : "full";
+  constexpr std::int32_t PLANE_OF_FIRST_PARENT = 2;
+  const std::int32_t plane = side.loading.hb->plane;
+  const std::int32_t parent = plane - PLANE_OF_FIRST_PARENT;
+  if (parent == 0 || parent == 1) {
+    lines.push_back(
+        fmt::format("on plane {}, that of lane {}", plane, side.parents[static_cast<std::size_t>(parent)]));
+  } else if (plane != 0) {
+    lines.push_back(fmt::format("on plane {}", plane));
+  }
+  const auto portion = [&side](std::size_t at) {
+    return side.parent_portions[at] < 1.0 ? "a third" : "full";
   };
   lines.push_back(fmt::format("UDL {} on lane {}, {} on lane {}", portion(0), side.parents[0], portion(1),
                               side.parents[1]));
+}
+
+void append_udl(T_LINES& lines, const T_HA_UDL& udl) {
+  const std::string portion = udl.portion < 1.0 ? fmt::format("{:.4f} x ", udl.portion) : "";
+  const bool has_length = std::ranges::all_of(udl.ranges, &T_LOADED_RANGE::has_distance);
+  const std::string length = has_length ? " over " + distance_text(udl.loaded_length) : "";
+  lines.push_back(fmt::format("UDL {}{:.3f} kN/m{}", portion, udl.intensity, length));
+  append_indented(lines, range_pieces(udl));
 }
 
 T_LINES lane_lines(const T_LANE_SIDE& side, std::optional<double> kel_load) {
@@ -264,9 +285,12 @@ std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
                                                             lane_lines(min_lanes[lane], report.kel_load)});
   }
   text += rule() +
-          "UDL: intensity over the loaded length, and the loaded ranges of the lane. KEL: knife-edge load.\n"
-          "Distances run along each lane from its start; the two values are in the solver's units.\n";
-  if (text.find(NO_DISTANCE) != std::string::npos) text += NO_DISTANCE_MEANING;
+          "UDL: intensity over the loaded length, and the loaded ranges of the lane. KEL: knife-edge load.\n";
+  const auto says = [&text](std::string_view word) { return text.find(word) != std::string::npos; };
+  if (says("clear ")) text += HB_MEANING;
+  if (says("on plane ")) text += PLANE_MEANING;
+  text += "Distances run along each lane from its start; the two values are in the solver's units.\n";
+  if (says(NO_DISTANCE)) text += NO_DISTANCE_MEANING;
   return text;
 }
 

@@ -121,13 +121,15 @@ std::string lanes_text(const T_INSPECTION& inspection) {
     const bool has_points = !lane.POINT_X.empty();
     const bool keeps = lane.LANE_KEEP_POINTS || inspection.counts->KEEP_POINTS;
     const std::size_t repeated = repeated_points(lane);
-    table.ADD({fmt::to_string(++number), fmt::to_string(lane.LANE_STATIONS),
-               has_points ? fmt::format("{:.3f}", lane.POINT_X.front()) : "-",
-               has_points ? fmt::format("{:.3f}", lane.POINT_X.back()) : "-",
-               fmt::to_string(lane.N_TRANSVERSE), fmt::to_string(lane.SPREAD_TABLE.size()),
-               std::string(direction_text(lane.LANE_DIRECTION)),
-               repeated == 0 ? "none" : fmt::format("{}, {}", repeated, keeps ? "kept" : "dropped"),
-               lane.IS_STRADDLE ? fmt::format("{} and {}", lane.STRADDLE_LEFT, lane.STRADDLE_RIGHT) : "-"});
+    table.ADD(
+        {fmt::to_string(++number), fmt::to_string(lane.LANE_STATIONS),
+         has_points ? fmt::format("{:.3f}", lane.POINT_X.front()) : "-",
+         has_points ? fmt::format("{:.3f}", lane.POINT_X.back()) : "-", fmt::to_string(lane.N_TRANSVERSE),
+         fmt::to_string(lane.SPREAD_TABLE.size()), std::string(direction_text(lane.LANE_DIRECTION)),
+         repeated == 0 ? "none" : fmt::format("{}, {}", repeated, keeps ? "kept" : "dropped"),
+         lane.IS_STRADDLE
+             ? fmt::format("{} and {}, {} planes", lane.STRADDLE_LEFT, lane.STRADDLE_RIGHT, lane.N_PLANE())
+             : "-"});
   }
   return "\nLanes\n" + table.TEXT();
 }
@@ -243,6 +245,7 @@ ordered_json lanes_json(const T_INSPECTION& inspection) {
                       {"to", nullptr},
                       {"transverse_entries", lane.N_TRANSVERSE},
                       {"entries_per_plane", lane.N_PER_PLANE},
+                      {"planes", lane.IS_STRADDLE ? lane.N_PLANE() : 1},
                       {"spread_rows", lane.SPREAD_TABLE.size()},
                       {"direction", direction_text(lane.LANE_DIRECTION)},
                       {"keep_points", lane.LANE_KEEP_POINTS},

@@ -13,8 +13,8 @@ std::int32_t sub_case_of(std::int32_t code) {
 }  // namespace
 
 std::string_view SUB_CASE_NAME(std::int32_t sub_case) {
-  constexpr std::array<std::string_view, search::SUB_CASES> NAMES{"HA", "HB", "HB straddling",
-                                                                  "HB straddling, one third"};
+  constexpr std::array<std::string_view, search::SUB_CASES> NAMES{
+      "HA", "HB", "straddling HB (UDL full, full)", "straddling HB (UDL full, third)"};
   return NAMES[static_cast<std::size_t>(sub_case - 1)];
 }
 

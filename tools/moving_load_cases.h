@@ -30,7 +30,7 @@ struct T_CASE {
 STATUS READ_CASE(const kernel::T_COMBINATIONS& combinations, std::int32_t number, std::int32_t most_shown,
                  T_CASE& mv_case);
 
-/// "HA", "HB", "HB straddling" or "HB straddling, one third".
+/// "HA", "HB", or a straddling HB with the HA UDL beside it: "straddling HB (UDL full, third)".
 [[nodiscard]] std::string_view SUB_CASE_NAME(std::int32_t sub_case);
 
 }  // namespace tools

@@ -74,10 +74,13 @@ says out "MVIF"
 says out "Moving load cases"
 says out "KEL 120 kN"
 says out "and 3 more; --all shows them"
+says out "1 and 2, 3 planes"
+says out "lane 3 HA x 1.0000, lane 4 straddling HB (UDL full, third) x 1.0000"
 narrow
 expect 0 inspect $bridge.ZA3 --json --all
-json "answer['counts']['lanes'] == 3 and len(answer['lanes']) == 3 and answer['failures'] == []"
-json "[len(c['combinations']) for c in answer['moving_load_cases']] == [3, 3, 9, 6]"
+json "answer['counts']['lanes'] == 4 and len(answer['lanes']) == 4 and answer['failures'] == []"
+json "answer['lanes'][3]['straddles'] == [1, 2] and answer['lanes'][3]['planes'] == 3"
+json "[len(c['combinations']) for c in answer['moving_load_cases']] == [3, 3, 9, 6, 1, 1, 8]"
 json "answer['vehicles'][0]['ha']['p'] == 0.475 and answer['vehicles'][0]['hb']['axle_load'] == 450"
 json "{r['kind'] for r in answer['results']} == {'disp', 'reac', 'simb'}"
 
@@ -87,24 +90,35 @@ says out "kN/m over"
 says out "KEL 120 kN at"
 narrow
 
-# All three lanes are loaded on both sides, one of them by a third, and the deck lies from 80 to 150.
+# The three notional lanes are loaded on both sides, one of them by a third, and the deck lies from 80 to 150.
 expect 0 envelope $bridge --kind 12 --id 3 --item 3 --case 1 --json
 json "answer['maximum']['value'] > 0 > answer['minimum']['value']"
-json "sorted(round(l['factor'], 6) for l in answer['maximum']['lanes']) == [0.333333, 1, 1]"
-json "all(l['carries'] == 'HA' for s in ('maximum', 'minimum') for l in answer[s]['lanes'])"
-json "all(79.9 < r['start'] < r['end'] < 150.1 for s in ('maximum', 'minimum') for l in answer[s]['lanes'] for r in l['udl']['ranges'])"
-json "all(abs(l['kel']['distance'] - 115) < 1 for l in answer['maximum']['lanes'])"
+json "sorted(round(l['factor'], 6) for l in answer['maximum']['lanes']) == [0, 0.333333, 1, 1]"
+json "all([l['carries'] for l in answer[s]['lanes']] == ['HA', 'HA', 'HA', 'nothing'] for s in ('maximum', 'minimum'))"
+json "all(79.9 < r['start'] < r['end'] < 150.1 for s in ('maximum', 'minimum') for l in answer[s]['lanes'][:3] for r in l['udl']['ranges'])"
+json "all(abs(l['kel']['distance'] - 115) < 1 for l in answer['maximum']['lanes'][:3])"
 
-# A case with HB: either an HB is placed, or the user is told that none is.
-expect 0 envelope $bridge --kind simb --id 3 --item 3 --case 4 --json
-json "any(l['hb'] for s in ('maximum', 'minimum') for l in answer[s]['lanes']) == (answer['notes'] == [])"
+# HB in a lane, and across two: four axles of 450 kN, 25 m clear at either end, and no KEL beside them.
+for mv_case in 4 5 6; do
+  expect 0 envelope $bridge --kind disp --id 176 --item 3 --case $mv_case
+  says out "m between inner axles"
+  says out "axles of 450 kN at"
+  narrow
+  expect 0 envelope $bridge --kind disp --id 176 --item 3 --case $mv_case --json
+  json "all(len([l for l in answer[s]['lanes'] if l['hb']]) == 1 for s in ('maximum', 'minimum'))"
+  json "all(sum(a['load'] for a in l['hb']['axles']) == 1800 and l['kel'] is None for l in answer['maximum']['lanes'] if l['hb'])"
+  json "all(abs(l['hb']['clear_of_udl']['end'] - l['hb']['clear_of_udl']['start'] - 53.6 - l['hb']['inner_axle_spacing']) < 1e-9 for l in answer['maximum']['lanes'] if l['hb'])"
+done
+# The one third stands on the parent lane with the lesser share; both are told as parents.
+json "[l['beside_hb_of_lane'] for l in answer['minimum']['lanes']] == [4, 4, None, None]"
+json "[l['udl']['portion'] for l in answer['minimum']['lanes'][:2]] == [1.0, 0.3333]"
 
 # By hand: w L^2 / 8 + 120 L / 4 with w = 30 at 25 m, and w L / 2 + 120.
 expect 0 example "a folder" --which span --span 25
 says out "3093.75"
 expect 0 envelope "a folder/span" --kind simb --id 1 --item 1 --case 1 --json
 json "abs(answer['maximum']['value'] - 3093.75) < 0.01 and answer['minimum']['value'] == 0"
-json "answer['maximum']['lanes'][0]['udl'] == {'intensity': 30.0, 'loaded_length': 25.0, 'ranges': [{'number': 1, 'start': 0.0, 'end': 25.0}]}"
+json "answer['maximum']['lanes'][0]['udl'] == {'intensity': 30.0, 'portion': 1.0, 'loaded_length': 25.0, 'ranges': [{'number': 1, 'start': 0.0, 'end': 25.0}]}"
 json "answer['maximum']['lanes'][0]['kel'] == {'load': 120.0, 'point': 26, 'distance': 12.5}"
 json "not answer['minimum']['governed']"
 expect 0 envelope "a folder/span" --kind simb --id 1 --item 2 --case 1 --json
@@ -138,8 +152,8 @@ says err "block ELNK"
 expect 1 envelope "$(printf 'x/%.0s' {1..140})model" --kind disp --id 1 --item 1 --case 1
 expect 0 envelope $bridge --kind reac --id 6 --item 3 --case 1
 says err "the files hold no reac 6"
-expect 0 envelope $bridge --kind disp --id 1 --item 3 --case 5
-says err "the files hold no moving load case 5"
+expect 0 envelope $bridge --kind disp --id 1 --item 3 --case 8
+says err "the files hold no moving load case 8"
 expect 0 envelope $bridge --kind ldisp --id 1 --item 3 --case 1 --json
 json "answer['searched'] is False and answer['maximum']['value'] is None"
 
