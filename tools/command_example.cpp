@@ -42,6 +42,7 @@ struct T_SUGGESTION {
   std::string kind;
   int id = 0;
   int item = 0;
+  int mv_case = 1;
 };
 
 struct T_EXAMPLE_FILES {
@@ -63,6 +64,8 @@ T_EXAMPLE_FILES bridge() {
     files.suggestions.push_back({fmt::format("{}, in {}", result.name, result.unit), std::string(kind->name),
                                  result.id, result.item});
   }
+  files.suggestions.push_back({"moment over pier 1, inner beam, with an HB on the bridge, in kNm", "simb", 3,
+                               modelkit::BRIDGE_MOMENT_FIRST_PIER, modelkit::BRIDGE_CASE_HB_ANY});
   files.model = std::move(example.model);
   return files;
 }
@@ -87,6 +90,22 @@ T_EXAMPLE_FILES simple_span(double span) {
   return files;
 }
 
+/// Room for the longest HB to drive off the span, and points at the places where its axles may stand best.
+T_EXAMPLE_FILES hb_span(double span) {
+  constexpr double OVERRUN = 80.0;
+  constexpr double STEP = 0.2;
+  const int steps_of_half = std::max(1, static_cast<int>(std::lround(0.5 * span / STEP)));
+  T_EXAMPLE_FILES files;
+  files.stem = "hb_span";
+  files.title = fmt::format(
+      "Simply supported span of {} m, one lane\n  moving load case 1: HA\n  moving load case 2: HB", span);
+  files.model = modelkit::SIMPLE_SPAN_MODEL(span, 2 * steps_of_half + 1, {.overrun = OVERRUN});
+  files.model.moving_load_cases.push_back({.combinations = {{{.code = 2, .scale = 1.0}}}});
+  files.suggestions = {{"moment at midspan under HB, in kNm", "simb", 1, modelkit::SPAN_MIDSPAN_MOMENT, 2},
+                       {"shear at the span's start under HB, in kN", "simb", 1, modelkit::SPAN_END_SHEAR, 2}};
+  return files;
+}
+
 T_EXAMPLE_FILES two_spans(double first, double second) {
   T_EXAMPLE_FILES files;
   files.stem = "two_span";
@@ -105,6 +124,7 @@ T_EXAMPLE_FILES make_example(const T_EXAMPLE_OPTIONS& options) {
     return place < options.spans.size() ? options.spans[place] : usual;
   };
   if (options.which == "span") return simple_span(span(0, 25.0));
+  if (options.which == "hb-span") return hb_span(span(0, 90.0));
   if (options.which == "two-span") return two_spans(span(0, 20.0), span(1, 30.0));
   return bridge();
 }
@@ -172,15 +192,16 @@ void run(const T_EXAMPLE_OPTIONS& options) {
   std::string text = fmt::format("{}\n\nWritten: {} ({} bytes)\n\nTo try next:\n  movload inspect {}\n\n",
                                  files.title, file.string(), fs::file_size(file), base);
   for (const T_SUGGESTION& suggestion : files.suggestions) {
-    text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case 1\n",
-                        suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item);
+    text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case {}\n",
+                        suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item,
+                        suggestion.mv_case);
   }
   PRINT(text);
 }
 
 /// Spans go with the examples that have them: none with the bridge, one or two with the others.
 void check_spans(const T_EXAMPLE_OPTIONS& options) {
-  const std::size_t most = options.which == "bridge" ? 0 : options.which == "span" ? 1 : 2;
+  const std::size_t most = options.which == "bridge" ? 0 : options.which == "two-span" ? 2 : 1;
   if (options.spans.size() > most) {
     throw CLI::ValidationError("--span",
                                fmt::format("the example '{}' takes {} length{}", options.which,
@@ -199,13 +220,15 @@ void ADD_EXAMPLE_COMMAND(CLI::App& program) {
   command
       .add_option("--which", options->which,
                   "bridge: three spans, five beams, three lanes;\n"
-                  "span: one simple span; two-span: two continuous spans")
-      ->check(CLI::IsMember({"bridge", "span", "two-span"}))
+                  "span: one simple span; hb-span: one under HB;\n"
+                  "two-span: two continuous spans")
+      ->check(CLI::IsMember({"bridge", "span", "hb-span", "two-span"}))
       ->type_name("NAME")
       ->capture_default_str();
   command
       .add_option("--span", options->spans,
-                  "Length of the span in m (25), or of two spans with a comma (20,30)")
+                  "Length of the span in m (25; 90 under HB), or of two spans with a\n"
+                  "comma (20,30)")
       ->delimiter(',')
       ->expected(1, 2)
       ->check(CLI::Range(1.0, 1000.0))
