@@ -62,16 +62,18 @@ enum movload_record_field {
   MOVLOAD_VEHI_NO = 0,         /* vehicle class of the last lane that is loaded; the same in every lane. 0: no
                                   combination has a value beyond 0 on this side */
   MOVLOAD_W_HA_UDL = 1,        /* intensity of the HA UDL times 1000, truncated; 0: no UDL */
-  MOVLOAD_NO_LOADED_RANGE = 2, /* entries in use of the lane's range list */
+  MOVLOAD_NO_LOADED_RANGE = 2, /* entries in use of the lane's range list; beside an HB some may be 0 */
   MOVLOAD_TYPE_OF_HB = 3,      /* 1 to 5 by inner axle spacing; 0: no HB */
-  MOVLOAD_POSITION_OF_HB = 4,  /* influence point; 0: no HB */
+  MOVLOAD_POSITION_OF_HB = 4,  /* influence point 25 m behind the last axle, where the stretch without HA UDL
+                                  begins; 0: no HB. Of ordinary lanes in the lane's own numbering, of straddle
+                                  lanes (and of all where three have an HB) without its repeated points */
   MOVLOAD_FACTOR = 5,          /* scale of the lane in the governing combination, times 10000000, truncated */
-  MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type. On a
-                                  loaded straddle lane the HB's plane and portion in one number */
+  MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type. Of a
+                                  straddling HB its lane, plane and portion in one number */
   MOVLOAD_POS_OF_HA_KEL = 7,   /* influence point of the knife-edge load, for a lane under HA alone; else 0 */
   MOVLOAD_COMB_TYPE = 8, /* last two digits: 1 no lane has an HB, 2 one lane has, 3 two lanes have and none
-                                  has full HA UDL (also a loaded straddle lane), 4 two lanes have and one has
-                                  full HA UDL, 0 any other loading and an empty straddle lane;
+                                  has full HA UDL (also a straddle lane with full HA UDL beside its HB), 4 two
+                                  lanes have and one has full HA UDL, 0 any other loading;
                                   hundreds: 1 forward pass, 2 reverse pass, 0 nothing governs the lane */
   MOVLOAD_RECORD_F10 = 9 /* 0 */
 };
@@ -115,7 +117,8 @@ enum movload_sizes {
  *   K_MININFL_S2ND  out     [1000, lanes] second plane, minimum side
  *   DISTANCE_MAX_RANGE
  *                   out     [200, lanes] (start, end) of each range of positive influence, in lane distance:
- *                           of range k at 2 * k - 1 and 2 * k; zeros behind the last range
+ *                           of range k at 2 * k - 1 and 2 * k; zeros behind the last range. Beside an HB what
+ *                           it leaves free of them; of a range that it splits the far piece is number 100
  *   DISTANCE_MIN_RANGE
  *                   out     [200, lanes] the same for the ranges of negative influence
  *

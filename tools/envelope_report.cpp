@@ -124,7 +124,8 @@ T_LINES lane_lines(const T_LANE_SIDE& side, std::optional<double> kel_load) {
     const std::string load = kel_load ? fmt::format("KEL {} kN", VALUE_TEXT(*kel_load)) : "KEL";
     lines.push_back(load + place_text(*side.kel));
   }
-  if (lines.size() == 1) lines.emplace_back("adds nothing on this side");
+  if (lines.size() == 1)
+    lines.emplace_back(side.carries == CARRIES::UDL_BESIDE_HB ? "no UDL" : "adds nothing on this side");
   return lines;
 }
 

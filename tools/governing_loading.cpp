@@ -155,8 +155,8 @@ T_LANE_SIDE read_lane(const T_HOST_SIDE_ARRAYS& arrays, const T_RECORD_TABLES& t
   return side;
 }
 
-/// A straddle lane, and through it its parents. Where each parent has a portion of its own, the vehicle stands
-/// in the records of the planes; else in the lane's own, and the parents' records are empty.
+/// A straddle lane, and through it its parents. Where each parent has a portion of its own, the vehicle
+/// stands in the records of the planes; else in the lane's own, and the parents' records are empty.
 class STRADDLE_READER {
  public:
   STRADDLE_READER(const T_HOST_SIDE_ARRAYS& arrays, const T_RECORD_TABLES& tables, std::size_t at,
