@@ -5,7 +5,9 @@
 //
 // A loaded range is named by its number among the ranges that the search cut. The list of distances counts
 // its ranges by points, and joins two that meet in a single point at 0 where the search parts them. On a lane
-// with such a point the numbers run apart, and a distance can belong to a neighbouring range.
+// with such a point the numbers run apart, and a distance can belong to a neighbouring range. So it can
+// beside an HB, where the search counts ranges across the clear stretch otherwise than the reworked list
+// does (docs/records.md). The ranges are told here as the records have them.
 #pragma once
 
 #include <array>
