@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <string>
 #include <tuple>
 #include <vector>
 
@@ -12,45 +10,23 @@
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
 #include "tests/host/host_call.h"
+#include "tests/host/model_run.h"
 #include "tests/host/plain_run.h"
 #include "tests/temporary_directory.h"
 
 namespace {
 
+using host::ASK;
+using host::NOTHING_GOVERNS;
+using host::NUMBERS;
+using host::PAIRS;
+using host::RECORD;
 using modelkit::T_MODEL;
-
-using RECORD = std::vector<std::int32_t>;
 
 constexpr double SINGLE_PRECISION = 3e-6;  // of some tens of additions
 
-const RECORD NOTHING_GOVERNS = {0, 0, 0, 0, 0, 0, 0, 0, 1, 0};
-
 void expect_near(double expected, double got) {
   EXPECT_NEAR(got, expected, SINGLE_PRECISION * std::fabs(expected));
-}
-
-/// The pairs (start, end) of a lane, all 100 of them, of which the first are given.
-std::vector<float> pairs(std::vector<float> first) {
-  first.resize(200, 0.0F);
-  return first;
-}
-
-/// The first numbers of a lane's list, behind which the 500 that are written hold 0.
-RECORD numbers(const host::LANES_OF<std::int32_t>& list, int lane) {
-  RECORD written = list.LANE(lane);
-  written.resize(500);
-  while (!written.empty() && written.back() == 0) written.pop_back();
-  return written;
-}
-
-host::ARGUMENTS ask(const T_MODEL& model, int kind, int id, int item, int mv_case = 1) {
-  const TEMPORARY_DIRECTORY directory;
-  modelkit::WRITE_MODEL(model, directory.NAME());
-  const host::LANE_COUNT answer = host::NUM_LANE(directory.NAME(), 0);
-  EXPECT_EQ(answer.MODE_CODE, 0) << movload_last_failure();
-  const auto got = host::RUN(answer.NUM_LANE, directory.NAME(), 0, kind, id, item, mv_case);
-  EXPECT_EQ(got.MODE_CODE, 0) << movload_last_failure();
-  return got;
 }
 
 // w = 30 kN/m up to 30 m and 151 (1/L)^0.475 beyond, a knife edge of 120 kN; the moment is w L^2 / 8 + 120
@@ -61,22 +37,22 @@ TEST(examples, a_simple_span_under_ha_carries_the_moment_worked_out_by_hand) {
   for (const auto& [span, moment, intensity] :
        {std::tuple{25.0, 3093.75, 30000}, {30.0, 4275.0, 30000}, {50.0, 8858.96, 23548}}) {
     const auto got =
-        ask(modelkit::SIMPLE_SPAN_MODEL(span), MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT);
+        ASK(modelkit::SIMPLE_SPAN_MODEL(span), MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT);
     expect_near(moment, got.FINAL_MAX);
     EXPECT_EQ(got.FINAL_MIN, 0.0);
     // Full scale is 10000000; midspan is point 26 of 51; one forward pass and no HB give 101.
     EXPECT_EQ(got.K_MXLOAD.LANE(1), (RECORD{1, intensity, 1, 0, 0, 10000000, 0, 26, 101, 0}));
     EXPECT_EQ(got.K_MNLOAD.LANE(1), NOTHING_GOVERNS);
-    EXPECT_EQ(numbers(got.K_MAXINFL_S, 1), RECORD{1});
-    EXPECT_EQ(numbers(got.K_MININFL_S, 1), RECORD{});
-    EXPECT_EQ(got.DISTANCE_MAX_RANGE.LANE(1), pairs({0.0F, static_cast<float>(span)}));
-    EXPECT_EQ(got.DISTANCE_MIN_RANGE.LANE(1), pairs({}));
+    EXPECT_EQ(NUMBERS(got.K_MAXINFL_S, 1), RECORD{1});
+    EXPECT_EQ(NUMBERS(got.K_MININFL_S, 1), RECORD{});
+    EXPECT_EQ(got.DISTANCE_MAX_RANGE.LANE(1), PAIRS({0.0F, static_cast<float>(span)}));
+    EXPECT_EQ(got.DISTANCE_MIN_RANGE.LANE(1), PAIRS({}));
   }
 }
 
 // 30 * 25 / 2 + 120, the knife edge over the support.
 TEST(examples, the_end_shear_of_a_simple_span_puts_the_knife_edge_over_the_support) {
-  const auto got = ask(modelkit::SIMPLE_SPAN_MODEL(25.0), MOVLOAD_RK_SIMB, 1, modelkit::SPAN_END_SHEAR);
+  const auto got = ASK(modelkit::SIMPLE_SPAN_MODEL(25.0), MOVLOAD_RK_SIMB, 1, modelkit::SPAN_END_SHEAR);
   expect_near(495.0, got.FINAL_MAX);
   EXPECT_EQ(got.K_MXLOAD(MOVLOAD_POS_OF_HA_KEL + 1, 1), 1);
 }
@@ -90,20 +66,20 @@ TEST(examples, the_end_shear_of_a_simple_span_puts_the_knife_edge_over_the_suppo
 // 1039.20.
 TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_intensity) {
   const int moment = modelkit::TWO_SPAN_SUPPORT_MOMENT;
-  const auto both = ask(modelkit::TWO_SPAN_MODEL(20.0, 30.0), MOVLOAD_RK_SIMB, 1, moment);
+  const auto both = ASK(modelkit::TWO_SPAN_MODEL(20.0, 30.0), MOVLOAD_RK_SIMB, 1, moment);
   EXPECT_EQ(both.FINAL_MAX, 0.0);
   EXPECT_NEAR(both.FINAL_MIN, -2474.90, 0.02);
   // Points 1 to 41 on the first span; 32.75 m from the first support is 17 steps of 0.75 m further.
   EXPECT_EQ(both.K_MNLOAD.LANE(1), (RECORD{1, 23548, 2, 0, 0, 10000000, 0, 58, 101, 0}));
-  EXPECT_EQ(numbers(both.K_MININFL_S, 1), (RECORD{2, 1}));
+  EXPECT_EQ(NUMBERS(both.K_MININFL_S, 1), (RECORD{2, 1}));
   EXPECT_EQ(both.K_MXLOAD.LANE(1), NOTHING_GOVERNS);
   // The zero over the support doesn't end a range where distances are told.
-  EXPECT_EQ(both.DISTANCE_MIN_RANGE.LANE(1), pairs({0.0F, 50.0F}));
+  EXPECT_EQ(both.DISTANCE_MIN_RANGE.LANE(1), PAIRS({0.0F, 50.0F}));
 
-  const auto one = ask(modelkit::TWO_SPAN_MODEL(20.0, 60.0), MOVLOAD_RK_SIMB, 1, moment);
+  const auto one = ASK(modelkit::TWO_SPAN_MODEL(20.0, 60.0), MOVLOAD_RK_SIMB, 1, moment);
   EXPECT_NEAR(one.FINAL_MIN, -8322.99, 0.05);
   EXPECT_EQ(one.K_MNLOAD(MOVLOAD_W_HA_UDL + 1, 1), 21595);
-  EXPECT_EQ(numbers(one.K_MININFL_S, 1), RECORD{2});
+  EXPECT_EQ(NUMBERS(one.K_MININFL_S, 1), RECORD{2});
 }
 
 // Deflections downward, no ordinate below 0, the result a component in the middle of its record.
@@ -114,12 +90,12 @@ TEST(examples, a_displacement_that_no_load_lifts_has_the_minimum_zero_and_empty_
   node.values.assign(6, std::vector<float>(line.size(), -1.0F));
   node.values[2] = line;
   model.disp = {node};
-  const auto got = ask(model, MOVLOAD_RK_DISP, 7, 3);
+  const auto got = ASK(model, MOVLOAD_RK_DISP, 7, 3);
   expect_near(3093.75, got.FINAL_MAX);
   EXPECT_EQ(got.FINAL_MIN, 0.0);
   EXPECT_FALSE(std::signbit(got.FINAL_MIN));
   EXPECT_EQ(got.K_MNLOAD.LANE(1), NOTHING_GOVERNS);
-  EXPECT_EQ(numbers(got.K_MININFL_S, 1), RECORD{});
+  EXPECT_EQ(NUMBERS(got.K_MININFL_S, 1), RECORD{});
 }
 
 // HA in all lanes with one at a third (case 1), and in one lane alone (case 2). The bridge mirrors itself
@@ -136,14 +112,14 @@ TEST(examples, lanes_add_up_over_a_combination_and_the_first_of_equal_combinatio
   model.moving_load_cases = {{.combinations = {{{1, 1.0}, {1, THIRD}}, {{1, THIRD}, {1, 1.0}}}},
                              {.combinations = {{{1, 1.0}, {0, 1.0}}, {{1, 1.0}, {5, 0.5}}}}};
 
-  const auto equal = ask(model, MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT, 1);
+  const auto equal = ASK(model, MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT, 1);
   expect_near(4125.0, equal.FINAL_MAX);
   EXPECT_EQ(equal.K_MXLOAD.LANE(1), (RECORD{1, 30000, 1, 0, 0, 10000000, 0, 26, 101, 0}));
   // A third in single precision, times 1e7 in single precision: 3333333.4 or so, truncated.
   EXPECT_EQ(equal.K_MXLOAD.LANE(2), (RECORD{1, 30000, 1, 0, 0, 3333333, 0, 26, 101, 0}));
 
   // The class of the last loaded lane stands in every lane. The point of the knife edge is noted without one.
-  const auto mixed = ask(model, MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT, 2);
+  const auto mixed = ASK(model, MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT, 2);
   expect_near(3679.6875, mixed.FINAL_MAX);
   EXPECT_EQ(mixed.K_MXLOAD.LANE(1), (RECORD{2, 30000, 1, 0, 0, 10000000, 0, 26, 101, 0}));
   EXPECT_EQ(mixed.K_MXLOAD.LANE(2), (RECORD{2, 15000, 1, 0, 0, 5000000, 0, 26, 101, 0}));
