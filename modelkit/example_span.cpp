@@ -20,25 +20,25 @@ T_INFLUENCE_POINT off_the_deck(double x) {
 
 /// A lane with unit load k at the k-th of the `stations`, which are counted from the deck's start.
 T_LANE lane_over(const std::vector<double>& stations, const T_SPAN_LANE& form) {
+  // Points off the deck from either end of the lane, the last of them abutment_gap from the deck.
+  std::vector<double> from_the_end;
+  if (form.overrun > 0.0) {
+    const double gap_start = form.overrun - form.abutment_gap;
+    for (int i = 0; i * form.overrun_step < gap_start; ++i) from_the_end.push_back(i * form.overrun_step);
+    from_the_end.push_back(gap_start);
+  }
+
   T_LANE lane;
   lane.direction = form.direction;
-  const double deck_end = form.overrun + stations.back();
-  const int metres = static_cast<int>(std::floor(form.overrun - form.abutment_gap));
-  if (form.overrun > 0.0) {
-    for (int i = 0; i <= metres; ++i) lane.points.push_back(off_the_deck(i));
-    if (form.overrun - form.abutment_gap > metres)
-      lane.points.push_back(off_the_deck(form.overrun - form.abutment_gap));
-  }
+  for (const double x : from_the_end) lane.points.push_back(off_the_deck(x));
   std::int32_t load = 0;
   for (const double station : stations) {
     const T_TRANSVERSE_ENTRY under_the_point{.a = {.load = ++load, .weight = 1.0}};
     lane.points.push_back({.x = form.overrun + station, .impact = 0.0, .entries = {under_the_point}});
   }
-  if (form.overrun > 0.0) {
-    if (form.overrun - form.abutment_gap > metres)
-      lane.points.push_back(off_the_deck(deck_end + form.abutment_gap));
-    for (int i = metres; i >= 0; --i) lane.points.push_back(off_the_deck(deck_end + form.overrun - i));
-  }
+  const double lane_end = form.overrun + stations.back() + form.overrun;
+  for (std::size_t i = from_the_end.size(); i > 0; --i)
+    lane.points.push_back(off_the_deck(lane_end - from_the_end[i - 1]));
   return lane;
 }
 
@@ -59,6 +59,18 @@ T_MODEL one_lane_model(const std::vector<double>& stations, const T_SPAN_LANE& f
   }
   model.simb = {std::move(response)};
   return model;
+}
+
+/// The lane with one transverse entry for each share, in place of its one.
+T_LANE with_shares(T_LANE lane, const std::vector<double>& shares) {
+  lane.entries_per_point = static_cast<std::int32_t>(shares.size());
+  for (T_INFLUENCE_POINT& point : lane.points) {
+    const T_LOAD_SHARE whole = point.entries.front().a;
+    point.entries.clear();
+    for (const double share : shares)
+      point.entries.push_back({.a = {.load = whole.load, .weight = share * whole.weight}});
+  }
+  return lane;
 }
 
 /// Moment at x of a simply supported span under a unit load at a.
@@ -96,11 +108,12 @@ T_MODEL SIMPLE_SPAN_MODEL(double span, int points, const T_SPAN_LANE& lane) {
   });
 }
 
-T_MODEL TWO_SPAN_MODEL(double first_span, double second_span, int points, const T_SPAN_LANE& lane) {
+T_MODEL TWO_SPAN_MODEL(double first_span, double second_span, int points, const T_SPAN_LANE& lane,
+                       const T_TWO_SECTIONS& sections) {
   std::vector<double> stations;
   append_stations(stations, 0.0, first_span, points);
   append_stations(stations, first_span, second_span, points);
-  return one_lane_model(stations, lane, [first_span, second_span](double a) {
+  return one_lane_model(stations, lane, [=](double a) {
     // The loaded span, and the load's distances from its outer and its inner support. Three moments about the
     // inner support give its moment.
     const bool in_first = a <= first_span;
@@ -110,16 +123,31 @@ T_MODEL TWO_SPAN_MODEL(double first_span, double second_span, int points, const 
     const double total = first_span + second_span;
     const double support_moment = -outer * (span * span - outer * outer) / (2.0 * span * total);
 
-    const double loaded_middle = simple_moment(span, 0.5 * span, outer) + 0.5 * support_moment;
-    const double other_middle = 0.5 * support_moment;
-    const double loaded_reaction = inner / span + support_moment / span;
-    const double other_reaction = support_moment / (total - span);
-    const double first_reaction = in_first ? loaded_reaction : other_reaction;
-    const double last_reaction = in_first ? other_reaction : loaded_reaction;
-    return std::vector<double>{
-        support_moment, in_first ? loaded_middle : other_middle, in_first ? other_middle : loaded_middle,
-        first_reaction, 1.0 - first_reaction - last_reaction,    last_reaction};
+    // Each span alone, and its end moment on top of that.
+    const double first_x = sections.first * first_span;
+    const double second_x = sections.second * second_span;
+    const double first_moment = in_first ? simple_moment(first_span, first_x, outer) : 0.0;
+    const double second_moment = in_first ? 0.0 : simple_moment(second_span, second_x, inner);
+    const double first_reaction = (in_first ? inner / span : 0.0) + support_moment / first_span;
+    const double last_reaction = (in_first ? 0.0 : inner / span) + support_moment / second_span;
+    return std::vector<double>{support_moment,
+                               first_moment + sections.first * support_moment,
+                               second_moment + (1.0 - sections.second) * support_moment,
+                               first_reaction,
+                               1.0 - first_reaction - last_reaction,
+                               last_reaction,
+                               first_reaction - (in_first ? 1.0 : 0.0),
+                               (in_first ? 0.0 : 1.0) - last_reaction};
   });
+}
+
+void STRADDLE_TWO_LANES(T_MODEL& model, const std::vector<double>& shares) {
+  const T_LANE one = model.lanes.front();
+  T_LANE straddle = with_shares(one, shares);
+  straddle.is_straddle = true;
+  straddle.left_parent = 1;
+  straddle.right_parent = 2;
+  model.lanes = {with_shares(one, {shares[1]}), with_shares(one, {shares[2]}), straddle};
 }
 
 }  // namespace modelkit

@@ -7,7 +7,8 @@
 //
 // Distances run from the lane's start. Where the lane runs on beyond the deck (`overrun`), the deck begins at
 // x = overrun; a point without links stands abutment_gap before the deck and behind it, so that the influence
-// line falls to 0 there, and further ones follow about every metre.
+// line falls to 0 there, and further ones follow every overrun_step. An HB needs such a lane to come near a
+// support: it keeps 25 m of the lane free before its first axle and behind its last.
 #pragma once
 
 #include "modelkit/model.h"
@@ -22,6 +23,7 @@ T_VEHICLE HA_1978_VEHICLE(double hb_units = 45.0);
 /// How a hand example's lane is laid out.
 struct T_SPAN_LANE {
   double overrun = 0.0;         // length of the lane before and behind the deck in m, 0 or above abutment_gap
+  double overrun_step = 1.0;    // above 0; between the points off the deck, from the lane's ends on
   double abutment_gap = 0.001;  // from the deck's end to the nearest point off it
   DIRECTION direction = DIRECTION::BOTH;
 };
@@ -39,16 +41,29 @@ T_MODEL SIMPLE_SPAN_MODEL(double span = 25.0, int points = 51, const T_SPAN_LANE
 /// Components of SIMB 1 of the two-span beam.
 enum TWO_SPAN_ITEM : int {
   TWO_SPAN_SUPPORT_MOMENT = 1,  // over the inner support
-  TWO_SPAN_FIRST_MOMENT = 2,    // at the middle of the first span
-  TWO_SPAN_SECOND_MOMENT = 3,   // at the middle of the second span
+  TWO_SPAN_FIRST_MOMENT = 2,    // in the first span
+  TWO_SPAN_SECOND_MOMENT = 3,   // in the second span
   TWO_SPAN_FIRST_REACTION = 4,
   TWO_SPAN_INNER_REACTION = 5,
-  TWO_SPAN_LAST_REACTION = 6
+  TWO_SPAN_LAST_REACTION = 6,
+  TWO_SPAN_SHEAR_BEFORE = 7,  // just before the inner support: the upward forces as far as there
+  TWO_SPAN_SHEAR_BEHIND = 8   // just behind it
+};
+
+/// Where the moments in the spans are taken, as a part of each span from its start.
+struct T_TWO_SECTIONS {
+  double first = 0.5;
+  double second = 0.5;
 };
 
 /// A beam of constant stiffness over two spans, with `points` influence points a span that share the one over
-/// the inner support.
+/// the inner support. There the two shears jump by 1; the lines fall or rise over the step behind it.
 T_MODEL TWO_SPAN_MODEL(double first_span = 20.0, double second_span = 30.0, int points = 41,
-                       const T_SPAN_LANE& lane = {});
+                       const T_SPAN_LANE& lane = {}, const T_TWO_SECTIONS& sections = {});
+
+/// Puts two lanes and a straddle lane over both in the place of the model's one, all with its points. The
+/// beam carries shares[p] of what stands on plane p + 1 of the straddle lane; of its three planes or more, 2
+/// and 3 are the lanes 1 and 2. The combinations stay as they are.
+void STRADDLE_TWO_LANES(T_MODEL& model, const std::vector<double>& shares);
 
 }  // namespace modelkit
