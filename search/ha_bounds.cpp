@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace search {
@@ -14,7 +15,8 @@ constexpr double SMALLEST_STEP = 0x1p-148;  // of one operation among the smalle
 constexpr double MARGIN = 1.01;             // for products of roundings and for the bounds' own arithmetic
 constexpr int CELL_BITS = 8;                // 256 cells an octave
 constexpr int FRACTION_BITS = 23 - CELL_BITS;
-constexpr std::size_t MOST_RANGES = 24;
+constexpr double LAW_ROUNDING =
+    1e-6;  // of the power law in single precision, for the narrowing of lengths too
 constexpr T_BOUNDS NO_BOUNDS{0, INFINITE};
 
 std::uint32_t cell_of(float length) {
@@ -57,46 +59,38 @@ bool T_INTENSITY_BOUNDS::PREPARE(const T_HA_CURVE& curve, double shortest, doubl
   return true;
 }
 
-T_BOUNDS T_INTENSITY_BOUNDS::power_law(double length) const noexcept {
+double T_INTENSITY_BOUNDS::chord(double length) const noexcept {
   const auto narrowed = static_cast<float>(length);
   const std::uint32_t cell = cell_of(narrowed) - first_cell_;
-  if (cell >= cells_) return NO_BOUNDS;
+  if (cell >= cells_) return INFINITE;
   constexpr std::uint32_t FRACTION_MASK = (1U << FRACTION_BITS) - 1;
   constexpr double FRACTION_UNIT = 1.0 / (1 << FRACTION_BITS);
   const double t =
       FRACTION_UNIT * static_cast<double>(std::bit_cast<std::uint32_t>(narrowed) & FRACTION_MASK);
-  const double chord = edges_[cell] + t * (edges_[cell + 1] - edges_[cell]);
-  return {chord * (1 - below_chord_), chord * (1 + 1e-12)};
-}
-
-T_BOUNDS T_INTENSITY_BOUNDS::OF(double length, double relative_error) const noexcept {
-  const auto initial = static_cast<double>(curve_.HA_W0);
-  const auto limit = static_cast<double>(curve_.HA_L0);
-  const auto least = static_cast<double>(curve_.HA_WMIN);
-  T_BOUNDS w{initial, initial};
-  const double error = length * relative_error;
-  if (length + error > limit) {
-    w = power_law(length);
-    // The error of the length, narrowing included, moves the power law by its steepness at most.
-    const double moved = 4.5 * (relative_error + ROUNDING);
-    w = {w.LOW * (1 - moved), w.HIGH * (1 + moved)};
-    if (length - error <= limit) w = {std::min(w.LOW, initial), std::max(w.HIGH, initial)};
-  }
-  return {std::max(w.LOW, least), std::max(w.HIGH, least)};
+  return edges_[cell] + t * (edges_[cell + 1] - edges_[cell]);
 }
 
 double T_INTENSITY_BOUNDS::HIGHEST_FROM(double length) const noexcept {
-  const auto limit = static_cast<double>(curve_.HA_L0);
-  const double from = std::max(length, limit) * (1 - 1e-3);
-  const double initial = length <= limit ? static_cast<double>(curve_.HA_W0) : 0.0;
-  // Beyond the table no length is asked for.
+  const double from = std::max(length, LIMIT());
+  const double initial = length <= LIMIT() ? static_cast<double>(curve_.HA_W0) : 0.0;
+  // Beyond the table no length is asked for but the limit.
   const bool falls_off = from < static_cast<double>(edge_of(first_cell_ + cells_));
-  const double highest = std::max(initial, falls_off ? power_law(from).HIGH : 0.0);
-  return std::max(highest, static_cast<double>(curve_.HA_WMIN)) * (1 + 1e-6);
+  const double highest = std::max(initial, falls_off ? chord(from) * (1 + LAW_ROUNDING) : 0.0);
+  return std::max(highest, static_cast<double>(curve_.HA_WMIN));
 }
 
-// ---------------------------------------------------------------------------------------- the
-// line
+double T_INTENSITY_BOUNDS::LOWEST_BETWEEN(double shortest, double longest) const noexcept {
+  double lowest = INFINITE;
+  if (shortest <= LIMIT()) lowest = static_cast<double>(curve_.HA_W0);
+  if (longest > LIMIT()) {
+    const double chord_there = chord(longest);
+    const double law = chord_there < INFINITE ? chord_there * (1 - below_chord_ - LAW_ROUNDING) : 0.0;
+    lowest = std::min(lowest, law);
+  }
+  return std::max(lowest, static_cast<double>(curve_.HA_WMIN));
+}
+
+// ---------------------------------------------------------------------------------------- the line
 
 T_HA_BOUNDS::T_RANKED T_HA_BOUNDS::ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept {
   // As the search forms the mean, in single precision.
@@ -106,20 +100,6 @@ T_HA_BOUNDS::T_RANKED T_HA_BOUNDS::ranked(SIDE side, const T_OPEN_RANGE& range) 
   const auto area = static_cast<double>(range.AREA);
   return {side == MAX_SIDE ? area : -area, static_cast<double>(range.LENGTH), static_cast<double>(mean), 0,
           0};
-}
-
-bool T_HA_BOUNDS::rank(SIDE side) noexcept {
-  auto& ranges = ranges_[side];
-  std::sort(ranges.begin(), ranges.end(),
-            [](const T_RANKED& a, const T_RANKED& b) { return a.MEAN > b.MEAN; });
-  // The order of unlike ranges with one mean follows from all means of a placement; that is left to the
-  // search.
-  for (std::size_t r = 1; r < ranges.size(); ++r) {
-    const T_RANKED& a = ranges[r - 1];
-    const T_RANKED& b = ranges[r];
-    if (a.MEAN == b.MEAN && (a.AREA != b.AREA || a.LENGTH != b.LENGTH)) return false;
-  }
-  return true;
 }
 
 template <LAYOUT L>
@@ -136,16 +116,16 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
     slivers_[side] = {};
   }
   bool bounded = true;
-  real largest = 0;
+  std::array<real, N_SIDES> largest{};  // ordinate of each sign, as a magnitude
   std::array<std::int32_t, N_SIDES> closed{};
   std::int32_t segment = 0;
   const auto note_range = [&](SIDE side, const T_OPEN_RANGE& range) {
-    if (ranges_[side].size() < MOST_RANGES) {
-      ranges_[side].push_back(ranked(side, range));
-      ranges_[side].back().NUMBER = ++closed[side];
-    } else {
-      bounded = false;
-    }
+    T_RANKED its = ranked(side, range);
+    // A range that rounding made negative, or one too many.
+    bounded = bounded && ranges_[side].size() < MOST_RANGES && its.AREA >= 0 && its.LENGTH >= 0;
+    if (!bounded) return;
+    its.NUMBER = ++closed[side];
+    ranges_[side].push_back(its);
   };
   for (segment = 1; segment <= segments_ && bounded; ++segment) {
     const auto at = static_cast<std::size_t>(segment);
@@ -153,6 +133,8 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
     const real a = line.AFTER(segment);
     const real b = line.BEFORE(segment + 1);
     bounded = dx >= 0 && std::fabs(a) <= LARGEST && std::fabs(b) <= LARGEST;
+    largest[MAX_SIDE] = std::max({largest[MAX_SIDE], a, b});
+    largest[MIN_SIDE] = std::max({largest[MIN_SIDE], -a, -b});
     std::array<T_OPEN_RANGE, N_SIDES> added;
     if (!(L::SKIPS_ZERO_LENGTH && dx == 0)) {
       // From empty accumulators a segment leaves just what it adds.
@@ -162,7 +144,6 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
       if (terms.NEGATIVE.LENGTH != 0 || terms.NEGATIVE.AREA != 0) added[MIN_SIDE] = terms.NEGATIVE;
       open.SEGMENT(dx, a, b, note_range);
     }
-    largest = std::max({largest, std::fabs(a), std::fabs(b)});
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
       // Rounding can put a crossing just behind its segment, so that a sliver is taken away instead of added.
       const auto magnitude = static_cast<double>(side == MAX_SIDE ? added[side].AREA : -added[side].AREA);
@@ -172,6 +153,7 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
       T_STATE& state = states_[side][at];
       state.OPEN = side == MAX_SIDE ? open.POSITIVE : open.NEGATIVE;
       state.CLOSED = closed[side];
+      state.TERMS = states_[side][at - 1].TERMS + (magnitude != 0 || length != 0 ? 1 : 0);
       state.AREA_SUM = states_[side][at - 1].AREA_SUM + magnitude;
       state.LENGTH_SUM = states_[side][at - 1].LENGTH_SUM + length;
     }
@@ -179,37 +161,78 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   const auto length = static_cast<double>(line.LANE_X(line.n) - line.LANE_X(1));
   if (!bounded || !(length > 1e-6 && length < 1e9)) return false;
   open.END(note_range);
+  if (!bounded) return false;
 
+  sum_error_ = segments_ * 0x1p-52;
+  // A cut segment lies a rounding of the positions beside the line.
+  const double reach =
+      std::fabs(static_cast<double>(line.LANE_X(1))) + std::fabs(static_cast<double>(line.LANE_X(line.n)));
+  const double roundings = 3 * (segments_ + 64) * ROUNDING * MARGIN;
+  quick_factor_ = 1 + roundings;
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+    std::sort(ranges_[side].begin(), ranges_[side].end(),
+              [](const T_RANKED& a, const T_RANKED& b) { return a.MEAN > b.MEAN; });
     std::int32_t next = 0;
     for (std::int32_t s = segments_; s >= 0; --s) {
       T_STATE& state = states_[side][static_cast<std::size_t>(s)];
       state.NEXT_CLOSE = next;
       if (s > 0 && state.CLOSED != states_[side][static_cast<std::size_t>(s - 1)].CLOSED) next = s;
     }
-    if (!rank(side)) return false;
+    const T_STATE& whole = states_[side].back();
+    const auto highest = static_cast<double>(largest[side]);
+    const double few_roundings = segments_ * SMALLEST_STEP;
+    T_QUICK& quick = quick_[side];
+    quick.NOTHING = highest == 0;
+    quick.AREA_OFFSET = 16 * ROUNDING * highest * reach + 2 * slivers_[side].AREA +
+                        whole.AREA_SUM * sum_error_ + few_roundings;
+    quick.LENGTH_OFFSET =
+        16 * ROUNDING * reach + 2 * slivers_[side].LENGTH + whole.LENGTH_SUM * roundings + few_roundings;
+    const bool tells_length = intensity.GROWS_WITH_LENGTH() && highest > 1e-30;
+    quick.LENGTH_A_AREA = tells_length ? 1 / (highest * (1 + 2 * roundings)) : 0;
   }
-  sum_error_ = segments_ * 0x1p-52;
-  // A cut segment lies a rounding of the positions beside the line.
-  const double reach =
-      std::fabs(static_cast<double>(line.LANE_X(1))) + std::fabs(static_cast<double>(line.LANE_X(line.n)));
-  const double piece_error = 16 * ROUNDING * static_cast<double>(largest) * reach;
-  quick_factor_ = 1 + 3 * (segments_ + 64) * ROUNDING * MARGIN;
-  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-    quick_offset_[side] = piece_error + 2 * slivers_[side].AREA + states_[side].back().AREA_SUM * sum_error_ +
-                          segments_ * SMALLEST_STEP;
-  }
-  return bounded;
+  return true;
 }
 
-double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone,
-                                double highest_intensity) const noexcept {
-  if (zone.NEAR_INDEX < 1 || zone.FAR_INDEX < zone.NEAR_INDEX - 1) return INFINITE;
-  // Segments that the zone cuts count whole.
+/// The effect of an area of at most this much. It can't have more than its length times the highest ordinate,
+/// so that a large area means a long length and a low intensity.
+double T_HA_BOUNDS::area_bound(SIDE side, double area, double vehicle_length) const noexcept {
+  const T_QUICK& quick = quick_[side];
+  const double offset = quick.AREA_OFFSET * quick.LENGTH_A_AREA + quick.LENGTH_OFFSET;
+  // Beyond that, area times intensity wouldn't be sure to grow with the area.
+  const double loaded = offset <= vehicle_length ? area * quick.LENGTH_A_AREA - offset : 0.0;
+  const double length = vehicle_length + std::max(loaded, 0.0);
+  double bound = area * intensity_->HIGHEST_FROM(length);
+  // Where the intensity falls by a step, an area just short of it may give more.
+  const double limit = intensity_->LIMIT();
+  if (loaded > 0 && vehicle_length <= limit && length > limit) {
+    const double area_there = std::min(area, (limit - vehicle_length + offset) / quick.LENGTH_A_AREA);
+    bound = std::max(bound, area_there * intensity_->HIGHEST_FROM(limit));
+  }
+  return bound * quick_factor_ + SMALLEST_STEP;
+}
+
+double T_HA_BOUNDS::ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept {
+  if (quick_[side].NOTHING) return 0;
+  return area_bound(side, states_[side].back().AREA_SUM + quick_[side].AREA_OFFSET, vehicle_length);
+}
+
+double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept {
+  const T_QUICK& quick = quick_[side];
+  if (quick.NOTHING) return 0;
+  if (zone.NEAR_INDEX < 1 || zone.FAR_INDEX < zone.NEAR_INDEX) return INFINITE;
+  // Of the segments that the zone cuts, the whole area counts, and no length.
   const auto& states = states_[side];
-  const double before = states[static_cast<std::size_t>(zone.NEAR_INDEX - 1)].AREA_SUM;
-  const double inside = states[static_cast<std::size_t>(std::max(zone.FAR_INDEX - 1, 0))].AREA_SUM - before;
-  return (states.back().AREA_SUM - inside + quick_offset_[side]) * highest_intensity * quick_factor_ +
+  const auto sums = [&states](std::int32_t segments) -> const T_STATE& {
+    return states[static_cast<std::size_t>(segments)];
+  };
+  const double inside = sums(zone.FAR_INDEX - 1).AREA_SUM - sums(zone.NEAR_INDEX - 1).AREA_SUM;
+  const double area = states.back().AREA_SUM - inside + quick.AREA_OFFSET;
+  if (ranges_[side].size() > 1) return area_bound(side, area, vehicle_length);
+  // The one range is loaded in its whole length, on both sides of the zone.
+  const double cut_away = sums(std::min(zone.FAR_INDEX, segments_)).LENGTH_SUM -
+                          sums(std::max(NEAR_SEGMENT(zone) - 1, 0)).LENGTH_SUM;
+  const double loaded = states.back().LENGTH_SUM - cut_away - quick.LENGTH_OFFSET;
+  return area * intensity_->HIGHEST_FROM(vehicle_length + std::max(loaded, 0.0)) * quick_factor_ +
          SMALLEST_STEP;
 }
 
@@ -231,7 +254,9 @@ T_ZONE_CUT T_HA_BOUNDS::CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const 
   return cut;
 }
 
-T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length) const noexcept {
+T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length,
+                            double needed) const noexcept {
+  if (quick_[side].NOTHING) return {};
   if (!cut.KNOWN) return NO_BOUNDS;
   const auto& states = states_[side];
   const T_STATE& before = states[static_cast<std::size_t>(cut.BEFORE)];
@@ -240,11 +265,14 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
       states[static_cast<std::size_t>(behind.NEXT_CLOSE > 0 ? behind.NEXT_CLOSE : segments_)];
 
   // Ranges beside the whole line's: those of the cut segments, and the one joined across the zone.
-  std::array<T_RANKED, 3> own;
+  std::array<T_RANKED, MOST_OWN> own;
   std::size_t n_own = 0;
   for (std::int32_t c = 0; c < cut.N_CLOSED; ++c) {
     const T_ZONE_CUT::T_CLOSED& closed = cut.CLOSED[static_cast<std::size_t>(c)];
-    if (closed.RANGE_SIDE == side) own[n_own++] = ranked(side, closed.RANGE);
+    if (closed.RANGE_SIDE != side) continue;
+    own[n_own] = ranked(side, closed.RANGE);
+    if (own[n_own].AREA < 0 || own[n_own].LENGTH < 0) return NO_BOUNDS;
+    ++n_own;
   }
   const T_OPEN_RANGE& open = side == MAX_SIDE ? cut.OPEN.POSITIVE : cut.OPEN.NEGATIVE;
   const double terms = 2.0 + (behind.NEXT_CLOSE > 0 ? behind.NEXT_CLOSE : segments_) - cut.BEHIND;
@@ -256,9 +284,9 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
   double area_error = few_roundings * slivers_[side].AREA;
   double length_error = few_roundings * slivers_[side].LENGTH;
   const bool reaches_end = behind.NEXT_CLOSE == 0;
-  const bool is_empty = open.AREA == 0 && tail_area == 0;
+  const bool is_empty = open.AREA == 0 && closing.TERMS == behind.TERMS;
   if (!(reaches_end && is_empty)) {
-    T_RANKED joined;
+    T_RANKED& joined = own[n_own++];
     joined.AREA = open_area + tail_area;
     joined.LENGTH = static_cast<double>(open.LENGTH) + tail_length;
     area_error += ((joined.AREA + slivers_[side].AREA) * terms * ROUNDING + terms * SMALLEST_STEP) * MARGIN +
@@ -275,46 +303,70 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
     joined.MEAN_ERROR =
         joined.MEAN * (area_error / joined.AREA + length_error / joined.LENGTH + 2 * ROUNDING) * 1.1 +
         SMALLEST_STEP;
-    own[n_own++] = joined;
   }
   for (std::size_t i = 1; i < n_own; ++i) {
     for (std::size_t j = i; j > 0 && own[j].MEAN > own[j - 1].MEAN; --j) std::swap(own[j], own[j - 1]);
   }
-  const auto is_clear = [](const T_RANKED& a, const T_RANKED& b) {
-    return std::fabs(a.MEAN - b.MEAN) > a.MEAN_ERROR + b.MEAN_ERROR;
-  };
-  for (std::size_t i = 1; i < n_own; ++i) {
-    if (!is_clear(own[i - 1], own[i])) return NO_BOUNDS;
-  }
 
-  // The prefixes of the ranking, merged of the whole line's ranges that stand and the own ones.
+  // The ranking, merged of the whole line's ranges that stand and the own ones.
   const std::int32_t first_gone = before.CLOSED + 1;
   const std::int32_t last_gone = reaches_end ? std::numeric_limits<std::int32_t>::max() : closing.CLOSED;
-  T_BOUNDS best;
-  double area = 0;
-  double length = vehicle_length;
+  std::array<const T_RANKED*, MOST_RANGES + MOST_OWN> ranking;
+  std::size_t count = 0;
   std::size_t next_own = 0;
-  double roundings = 16;
-  const auto take = [&](const T_RANKED& range) {
-    area += range.AREA;
-    length += range.LENGTH;
-    roundings += 1;
-    const double off = roundings * ROUNDING * MARGIN;
-    const T_BOUNDS w = intensity_->OF(length, off + length_error / length);
-    best.LOW = std::max(best.LOW, (area * (1 - off) - area_error) * w.LOW * (1 - off) - SMALLEST_STEP);
-    best.HIGH = std::max(best.HIGH,
-                         (area * (1 + off) + area_error) * w.HIGH * (1 + off) + SMALLEST_STEP * (1 + w.HIGH));
-  };
   for (const T_RANKED& range : ranges_[side]) {
     if (range.NUMBER >= first_gone && range.NUMBER <= last_gone) continue;
-    while (next_own < n_own) {
-      if (!is_clear(own[next_own], range)) return NO_BOUNDS;
-      if (own[next_own].MEAN < range.MEAN) break;
-      take(own[next_own++]);
-    }
-    take(range);
+    while (next_own < n_own && own[next_own].MEAN > range.MEAN) ranking[count++] = &own[next_own++];
+    ranking[count++] = &range;
   }
-  while (next_own < n_own) take(own[next_own++]);
+  while (next_own < n_own) ranking[count++] = &own[next_own++];
+
+  // Its prefixes.
+  T_BOUNDS best;
+  const auto prefix = [&](double area, double length, std::size_t loaded, bool is_sure) {
+    const double off = (16 + static_cast<double>(loaded)) * ROUNDING * MARGIN;
+    const double shortest = length * (1 - off) - length_error;
+    const double highest = (area * (1 + off) + area_error) * intensity_->HIGHEST_FROM(shortest) * (1 + off);
+    best.HIGH = std::max(best.HIGH, highest + SMALLEST_STEP * (1 + highest));
+    if (!is_sure || highest <= needed) return;
+    const double lowest = intensity_->LOWEST_BETWEEN(shortest, length * (1 + off) + length_error);
+    best.LOW = std::max(best.LOW, (area * (1 - off) - area_error) * lowest * (1 - off) - SMALLEST_STEP);
+  };
+  double area = 0;
+  double length = vehicle_length;
+  for (std::size_t first = 0; first < count;) {
+    // The group of ranges any of which may come first.
+    double lowest_mean = ranking[first]->MEAN - ranking[first]->MEAN_ERROR;
+    std::size_t behind_group = first + 1;
+    while (behind_group < count &&
+           ranking[behind_group]->MEAN + ranking[behind_group]->MEAN_ERROR >= lowest_mean) {
+      lowest_mean = std::min(lowest_mean, ranking[behind_group]->MEAN - ranking[behind_group]->MEAN_ERROR);
+      ++behind_group;
+    }
+    if (behind_group - first > 1) {
+      std::array<double, MOST_RANGES + MOST_OWN> areas;
+      std::array<double, MOST_RANGES + MOST_OWN> lengths;
+      const std::size_t members = behind_group - first;
+      for (std::size_t m = 0; m < members; ++m) {
+        areas[m] = ranking[first + m]->AREA;
+        lengths[m] = ranking[first + m]->LENGTH;
+      }
+      std::sort(areas.begin(), areas.begin() + static_cast<std::ptrdiff_t>(members), std::greater<>());
+      std::sort(lengths.begin(), lengths.begin() + static_cast<std::ptrdiff_t>(members));
+      double most_area = area;
+      double least_length = length;
+      for (std::size_t m = 0; m + 1 < members; ++m) {
+        most_area += areas[m];
+        least_length += lengths[m];
+        prefix(most_area, least_length, first + m + 1, false);
+      }
+    }
+    for (; first < behind_group; ++first) {
+      area += ranking[first]->AREA;
+      length += ranking[first]->LENGTH;
+    }
+    prefix(area, length, first, true);
+  }
   return best;
 }
 

@@ -6,16 +6,20 @@
 // on three facts:
 //
 //   - Ranges that close before the zone, and ranges that open after the first closing behind it, have the
-//   same bits for
-//     every placement, for accumulators begin at 0 again where a range closes. They are cut once a line.
+//     same bits for every placement, for accumulators begin at 0 again where a range closes. They are cut
+//     once a line.
 //   - So on each side just one range is joined across the zone. What it adds behind the zone is a difference
-//   of two
-//     prefix sums in 64-bit reals, and the single precision sum differs from it by at most a rounding a term.
+//     of two prefix sums in 64-bit reals, and the single precision sum differs from it by at most a rounding
+//     a term.
 //   - The intensity beyond HA_L0 is a convex falling curve of the loaded length: chords of a table bound it.
 //
+// Where rounding leaves open which of some ranges goes first, as it does for the alike spans of a girder,
+// they form a group: a prefix that ends inside it has at most the areas of its largest and at least the
+// lengths of its shortest.
+//
 // Lines for which this can't be relied on (no ascending or finite positions, very many ranges, values at the
-// ends of the range of single precision, equal means of unlike ranges) are told apart by PREPARE; whoever
-// asks then takes the plain road. Bounds that can't be had for one placement are infinite.
+// ends of the range of single precision) are told apart by PREPARE; whoever asks then takes the plain road.
+// Bounds that can't be had for one placement are infinite.
 #pragma once
 
 #include <array>
@@ -40,13 +44,17 @@ class T_INTENSITY_BOUNDS {
   /// Lengths from `shortest` to `longest` will be asked for. False where the curve isn't one that falls.
   [[nodiscard]] bool PREPARE(const T_HA_CURVE& curve, double shortest, double longest);
 
-  /// The intensity of a length that is known within a relative error.
-  [[nodiscard]] T_BOUNDS OF(double length, double relative_error) const noexcept;
-  /// An upper bound for all lengths from `length` on.
+  /// At most this much for every loaded length from `length` on.
   [[nodiscard]] double HIGHEST_FROM(double length) const noexcept;
+  /// At least this much for every loaded length from `shortest` to `longest`.
+  [[nodiscard]] double LOWEST_BETWEEN(double shortest, double longest) const noexcept;
+  /// Whether area times intensity grows with the loaded length where the area grows with it evenly.
+  [[nodiscard]] bool GROWS_WITH_LENGTH() const noexcept { return curve_.HA_P <= 1; }
+  /// The loaded length at which the power law begins, and where the intensity may fall by a step.
+  [[nodiscard]] double LIMIT() const noexcept { return static_cast<double>(curve_.HA_L0); }
 
  private:
-  [[nodiscard]] T_BOUNDS power_law(double length) const noexcept;
+  [[nodiscard]] double chord(double length) const noexcept;
 
   T_HA_CURVE curve_;
   std::uint32_t first_cell_ = 0;
@@ -78,13 +86,16 @@ class T_HA_BOUNDS {
   template <LAYOUT L>
   [[nodiscard]] bool PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range);
 
-  /// An upper bound of the magnitude of a side's effect, from areas alone.
-  [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone,
-                                   double highest_intensity) const noexcept;
+  /// An upper bound of the magnitude of a side's effect, wherever a zone is.
+  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept;
+  /// The same for one zone, from areas and lengths alone.
+  [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept;
   template <LAYOUT L>
   [[nodiscard]] T_ZONE_CUT CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept;
-  /// Bounds of the magnitude of a side's effect.
-  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length) const noexcept;
+  /// Bounds of the magnitude of a side's effect. The lower one is worked out only as far as it can get above
+  /// `needed`.
+  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length,
+                               double needed) const noexcept;
 
  private:
   /// One side behind a number of whole segments.
@@ -92,7 +103,8 @@ class T_HA_BOUNDS {
     T_OPEN_RANGE OPEN;
     std::int32_t CLOSED = 0;      // ranges closed so far
     std::int32_t NEXT_CLOSE = 0;  // segment that closes the open one; 0: none before the lane's end
-    double AREA_SUM = 0;          // magnitudes of all that was added so far
+    std::int32_t TERMS = 0;  // segments that added something; a sum doesn't tell, for it may swallow them
+    double AREA_SUM = 0;     // magnitudes of all that was added so far
     double LENGTH_SUM = 0;
   };
   struct T_RANKED {
@@ -102,8 +114,11 @@ class T_HA_BOUNDS {
     double MEAN_ERROR = 0;
     std::int32_t NUMBER = 0;  // of the whole line's ranges, from 1
   };
+  static constexpr std::size_t MOST_RANGES = 24;  // of a side of the whole line
+  static constexpr std::size_t MOST_OWN = 3;      // of one placement
+
   [[nodiscard]] T_RANKED ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept;
-  [[nodiscard]] bool rank(SIDE side) noexcept;
+  [[nodiscard]] double area_bound(SIDE side, double area, double vehicle_length) const noexcept;
 
   std::array<std::vector<T_STATE>, N_SIDES> states_;  // by segments passed
   std::array<std::vector<T_RANKED>, N_SIDES> ranges_;
@@ -112,12 +127,18 @@ class T_HA_BOUNDS {
     double LENGTH = 0;
   };
   std::array<T_SLIVERS, N_SIDES> slivers_;  // all that rounding took away from ranges
+  struct T_QUICK {
+    bool NOTHING = false;  // no ordinate of this sign
+    double AREA_OFFSET = 0;
+    double LENGTH_OFFSET = 0;
+    double LENGTH_A_AREA = 0;  // an area has at least this length each
+  };
+  std::array<T_QUICK, N_SIDES> quick_;
+  double quick_factor_ = 1;
   const T_INTENSITY_BOUNDS* intensity_ = nullptr;
   std::int32_t segments_ = 0;
   real short_range_ = 0;
   double sum_error_ = 0;  // of a difference of prefix sums, relative to the whole sum
-  std::array<double, N_SIDES> quick_offset_{};
-  double quick_factor_ = 1;
 };
 
 }  // namespace search
