@@ -24,16 +24,22 @@ class CURSOR {
     while (at_ < pass.n && pass.X(at_) < position) ++at_;
     return at_;
   }
-  /// The same as FIND_POSITION.
-  T_POSITION FIND(const T_PASS& pass, real position) {
-    if (!(position >= pass.X(1) && position <= pass.X(pass.n))) return {};
+  /// Finds what FIND_POSITION finds. Field by field into its place: a copied record would wait for its parts.
+  void FIND(const T_PASS& pass, real position, T_POSITION& found) {
     const std::int32_t at = ADVANCE(pass, position);
-    if (pass.X(at) != position) return POSITION_IN_SEGMENT(position, pass.X, at - 1);
-    if (position == pass.X(1)) return {1, 0, true};
-    if (position == pass.X(pass.n)) return {pass.n, 0, true};
-    // Of three equal positions and more, the way of bracketing decides.
-    const bool many = at + 2 <= pass.n && pass.X(at + 2) == position;
-    return many ? FIND_POSITION(position, pass.X, pass.n) : T_POSITION{at, 0, true};
+    const real above = pass.X(at);
+    if (above != position) {
+      const real below = pass.X(at - 1);
+      found.POINT_INDEX = at - 1;
+      found.FRACTION = (position - below) / (above - below);
+      found.ON_POINT = false;
+    } else if (at > 1 && at < pass.n && pass.X(at + 1) == position) {
+      found = FIND_POSITION(position, pass.X, pass.n);  // of equal points, the way of bracketing decides
+    } else {
+      found.POINT_INDEX = at;
+      found.FRACTION = 0;
+      found.ON_POINT = true;
+    }
   }
 
  private:
@@ -58,13 +64,13 @@ class PLACEMENT_WALK {
         placement.TAKE_TYPE(pass_, offsets_, k);
         if (!placement.FITS(pass_)) break;  // the longer types won't fit either
         if (k == 1) {
-          placement.POSITIONS[2] = third_.FIND(pass_, placement.AXLE[2]);
-          placement.POSITIONS[3] = fourth_.FIND(pass_, placement.AXLE[3]);
+          third_.FIND(pass_, placement.AXLE[2], placement.POSITIONS[2]);
+          fourth_.FIND(pass_, placement.AXLE[3], placement.POSITIONS[3]);
           FIND_REAR_ORDINATES<L>(pass_, placement, rear_);
         }
         T_FRONT& front = front_of(placement);
-        placement.POSITIONS[0] = front.FIRST.FIND(pass_, placement.AXLE[0]);
-        placement.POSITIONS[1] = front.SECOND.FIND(pass_, placement.AXLE[1]);
+        front.FIRST.FIND(pass_, placement.AXLE[0], placement.POSITIONS[0]);
+        front.SECOND.FIND(pass_, placement.AXLE[1], placement.POSITIONS[1]);
         visit(placement, AXLE_SUMS<L, STRADDLES>(pass_, placement, rear_));
       }
     }
