@@ -211,11 +211,6 @@ double T_HA_BOUNDS::area_bound(SIDE side, double area, double vehicle_length) co
   return bound * quick_factor_ + SMALLEST_STEP;
 }
 
-double T_HA_BOUNDS::ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept {
-  if (quick_[side].NOTHING) return 0;
-  return area_bound(side, states_[side].back().AREA_SUM + quick_[side].AREA_OFFSET, vehicle_length);
-}
-
 double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept {
   const T_QUICK& quick = quick_[side];
   if (quick.NOTHING) return 0;

@@ -86,9 +86,8 @@ class T_HA_BOUNDS {
   template <LAYOUT L>
   [[nodiscard]] bool PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range);
 
-  /// An upper bound of the magnitude of a side's effect, wherever a zone is.
-  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept;
-  /// The same for one zone, from areas and lengths alone.
+  /// An upper bound of the magnitude of a side's effect, from areas and lengths alone. It holds for longer
+  /// vehicles too whose zone begins at the same point.
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept;
   template <LAYOUT L>
   [[nodiscard]] T_ZONE_CUT CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept;

@@ -45,9 +45,6 @@ class HA_ON_LINE {
   }
 
   [[nodiscard]] bool PREPARE_BOUNDS() { return work_.BOUNDS[0].PREPARE<L>(line_, work_.INTENSITY, 0); }
-  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const {
-    return work_.BOUNDS[0].ANYWHERE_BOUND(side, vehicle_length);
-  }
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_PLACEMENT& placement) const {
     return work_.BOUNDS[0].QUICK_BOUND(side, placement.ZONE, static_cast<double>(placement.VEHICLE_LENGTH));
   }
@@ -99,11 +96,6 @@ class HA_ON_PAIR {
   [[nodiscard]] bool PREPARE_BOUNDS() {
     return work_.BOUNDS[0].PREPARE<L>(lines_[0], work_.INTENSITY, L::SHORT_RANGE) &&
            work_.BOUNDS[1].PREPARE<L>(lines_[1], work_.INTENSITY, L::SHORT_RANGE);
-  }
-  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const {
-    return larger_sum(work_.BOUNDS[0].ANYWHERE_BOUND(side, vehicle_length),
-                      work_.BOUNDS[1].ANYWHERE_BOUND(side, vehicle_length)) *
-           (1 + PAIR_ROUNDING);
   }
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_PLACEMENT& placement) const {
     const auto length = static_cast<double>(placement.VEHICLE_LENGTH);
@@ -229,10 +221,12 @@ void place_in_pass(T_PASS pass, const T_HB_INPUT& input, const T_OFFSETS& offset
     return;
   }
   PLACEMENT_WALK<ROWS, PLANES::STRADDLES> walk(pass, offsets, work.REAR);
-  walk.RUN(1, [&](T_PLACEMENT& placement, const T_AXLE_SUMS& sums) {
-    walk.PLACE_ZONE(placement);
-    try_placement(pass, input, placement, sums, planes, result);
-  });
+  walk.RUN(
+      1, [](const T_PLACEMENT&) { return true; },
+      [&](T_PLACEMENT& placement, const T_AXLE_SUMS& sums) {
+        walk.PLACE_ZONE(placement);
+        try_placement(pass, input, placement, sums, planes, result);
+      });
 }
 
 template <class PLANES>

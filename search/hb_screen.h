@@ -54,20 +54,22 @@ class PLACEMENT_WALK {
   PLACEMENT_WALK(const T_PASS& pass, const T_OFFSETS& offsets, T_REAR_ORDINATES& rear)
       : pass_(pass), offsets_(offsets), rear_(rear) {}
 
-  /// Calls visit(placement, axle sums) for every `step`-th point and every type that fits, in plain order.
-  /// The zone is left to PLACE_ZONE.
-  template <class VISIT>
-  void RUN(std::int32_t step, VISIT visit) {
+  /// At every `step`-th point where a type fits, calls enter(placement) with the shortest type, whose rear
+  /// axles stand in their place, and where that says yes visit(placement, axle sums) for every type that
+  /// fits, in plain order. The zone is left to PLACE_ZONE.
+  template <class ENTER, class VISIT>
+  void RUN(std::int32_t step, ENTER enter, VISIT visit) {
     for (std::int32_t i = 1; i <= pass_.n; i += step) {
       T_PLACEMENT placement(pass_, offsets_, i);
+      placement.TAKE_TYPE(pass_, offsets_, 1);
+      if (!placement.FITS(pass_)) continue;  // the longer types won't fit either
+      third_.FIND(pass_, placement.AXLE[2], placement.POSITIONS[2]);
+      fourth_.FIND(pass_, placement.AXLE[3], placement.POSITIONS[3]);
+      FIND_REAR_ORDINATES<L>(pass_, placement, rear_);
+      if (!enter(placement)) continue;
       for (std::int32_t k = 1; k <= HB_TYPES; ++k) {
-        placement.TAKE_TYPE(pass_, offsets_, k);
-        if (!placement.FITS(pass_)) break;  // the longer types won't fit either
-        if (k == 1) {
-          third_.FIND(pass_, placement.AXLE[2], placement.POSITIONS[2]);
-          fourth_.FIND(pass_, placement.AXLE[3], placement.POSITIONS[3]);
-          FIND_REAR_ORDINATES<L>(pass_, placement, rear_);
-        }
+        if (k > 1) placement.TAKE_TYPE(pass_, offsets_, k);
+        if (!placement.FITS(pass_)) break;
         T_FRONT& front = front_of(placement);
         front.FIRST.FIND(pass_, placement.AXLE[0], placement.POSITIONS[0]);
         front.SECOND.FIND(pass_, placement.AXLE[1], placement.POSITIONS[1]);
@@ -118,7 +120,7 @@ class SCREEN {
   /// False where bounds can't be relied on for this line and vehicle.
   [[nodiscard]] bool PREPARE() {
     constexpr real LARGEST = 1e15F;
-    if (!(std::fabs(input_.VEHICLE->HB_LOAD) <= LARGEST)) return false;
+    if (!(input_.VEHICLE->HB_LOAD >= 0 && input_.VEHICLE->HB_LOAD <= LARGEST)) return false;
     const double lane = static_cast<double>(pass_.X(pass_.n)) - static_cast<double>(pass_.X(1));
     const real shortest = offsets_.LENGTH(1);
     if (!(shortest > 0.1F) || !(std::fabs(pass_.X(pass_.n)) < 1e4F * shortest)) return false;
@@ -133,17 +135,14 @@ class SCREEN {
   void RUN(const T_SEARCH_RESULT& result, ATTEMPT attempt) {
     constexpr std::int32_t COARSE_STEP = 8;
     take_best(result);
-    for (std::int32_t k = 1; k <= HB_TYPES; ++k) {
-      for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-        anywhere_[static_cast<std::size_t>(k - 1)][side] =
-            planes_.ANYWHERE_BOUND(side, OFF * static_cast<double>(offsets_.LENGTH(k)));
-      }
-    }
+    find_extremes();
     // A coarse walk first, which tells how high the best reaches at least.
     for (const std::int32_t step : {COARSE_STEP, 1}) {
       work_.LEFT.clear();
       WALK walk(pass_, offsets_, work_.REAR);
-      walk.RUN(step, [&](T_PLACEMENT& placement, const T_AXLE_SUMS& sums) { screen(walk, placement, sums); });
+      walk.RUN(
+          step, [&](T_PLACEMENT& placement) { return may_win_at_point(walk, placement); },
+          [&](T_PLACEMENT& placement, const T_AXLE_SUMS& sums) { screen(walk, placement, sums); });
     }
     for (const T_HB_WORK::T_LEFT& left : work_.LEFT) {
       if (!can_win(left.HIGH)) continue;
@@ -172,23 +171,74 @@ class SCREEN {
     return can_win(MAX_SIDE, high[MAX_SIDE]) || can_win(MIN_SIDE, high[MIN_SIDE]);
   }
 
+  /// Both front axles on the highest ordinates of their lines, and on the lowest, by plane.
+  void find_extremes() {
+    work_.FRONT.assign(pass_.OWN->size(), {});
+    for (std::size_t plane = 0; plane < work_.FRONT.size(); ++plane) {
+      for (const std::size_t axle : {0U, 1U}) {
+        const T_LINE& line = pass_.AXLE_LINES[HB_AXLES * plane + axle];
+        T_ORDINATE extremes{-std::numeric_limits<real>::infinity(), std::numeric_limits<real>::infinity()};
+        for (std::int32_t i = 1; i <= line.n; ++i) {
+          extremes.UPPER = std::max({extremes.UPPER, line.BEFORE(i), line.AFTER(i)});
+          extremes.LOWER = std::min({extremes.LOWER, line.BEFORE(i), line.AFTER(i)});
+        }
+        work_.FRONT[plane][axle] = extremes;
+      }
+    }
+  }
+
+  /// The largest effect that the axles of any type can have at the point in hand, as a magnitude.
+  [[nodiscard]] double highest_hb(SIDE side) const {
+    constexpr double SUM_ROUNDING = 1e-6;
+    double highest = PLANES::STRADDLES ? 0 : CANT_WIN;
+    for (std::size_t plane = 0; plane < work_.FRONT.size(); ++plane) {
+      double sum = 0;
+      double magnitude = 0;
+      for (const T_ORDINATE& axle :
+           {work_.FRONT[plane][0], work_.FRONT[plane][1], work_.REAR[plane][0], work_.REAR[plane][1]}) {
+        const auto ordinate = static_cast<double>(side == MAX_SIDE ? axle.UPPER : -axle.LOWER);
+        sum += ordinate;
+        magnitude += std::fabs(ordinate);
+      }
+      const double hb = (sum + SUM_ROUNDING * magnitude) * static_cast<double>(input_.VEHICLE->HB_LOAD);
+      // Ordinates of another lane may be no numbers.
+      if (std::isnan(hb)) return std::numeric_limits<double>::infinity();
+      highest = std::max(highest, hb);
+    }
+    return highest;
+  }
+
+  /// The most that both can give together, as a magnitude. HA UDL of 0 leaves the effect of the axles as it
+  /// is.
+  [[nodiscard]] static double highest_total(double hb, double ha) {
+    return ha == 0 ? hb : hb + ha + ROUNDING * (std::fabs(hb) + ha) + SMALLEST;
+  }
+
+  /// Whether any type can win at the point of the placement, which is of the shortest type: the others keep
+  /// more of the lane free, and their length alone lowers the intensity.
+  [[nodiscard]] bool may_win_at_point(WALK& walk, T_PLACEMENT& placement) {
+    walk.PLACE_ZONE(placement);
+    for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+      ha_at_point_[side] = planes_.QUICK_BOUND(side, placement);
+      may_win_[side] = can_win(side, highest_total(highest_hb(side), ha_at_point_[side]));
+    }
+    return may_win_[MAX_SIDE] || may_win_[MIN_SIDE];
+  }
+
   void screen(WALK& walk, T_PLACEMENT& placement, const T_AXLE_SUMS& sums) {
     // The effect of the axles, exact as the placing has it, turned so that large counts.
     const real load = input_.VEHICLE->HB_LOAD;
     const std::array<double, N_SIDES> hb{static_cast<double>(sums.SUM.UPPER * load),
                                          -static_cast<double>(sums.SUM.LOWER * load)};
-    const auto rounding = [&hb](SIDE side, double ha) { return ROUNDING * (std::fabs(hb[side]) + ha); };
-    const auto highest = [&](SIDE side, double ha) {
-      return ha == 0 ? hb[side] : hb[side] + ha + rounding(side, ha) + SMALLEST;
-    };
-    // From cheap to dear: the whole line's area, the area outside the zone, the ranges.
-    const auto& anywhere = anywhere_[static_cast<std::size_t>(placement.HB_TYPE - 1)];
+    // From cheap to dear: what HA UDL gives at the point at most, the area outside the zone, the ranges.
     std::array<bool, N_SIDES> open{};
-    for (const SIDE side : {MAX_SIDE, MIN_SIDE}) open[side] = can_win(side, highest(side, anywhere[side]));
+    for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+      open[side] = may_win_[side] && can_win(side, highest_total(hb[side], ha_at_point_[side]));
+    }
     if (!open[MAX_SIDE] && !open[MIN_SIDE]) return;
     walk.PLACE_ZONE(placement);
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-      open[side] = open[side] && can_win(side, highest(side, planes_.QUICK_BOUND(side, placement)));
+      open[side] = open[side] && can_win(side, highest_total(hb[side], planes_.QUICK_BOUND(side, placement)));
     }
     if (!open[MAX_SIDE] && !open[MIN_SIDE]) return;
     planes_.CUT(placement);
@@ -196,8 +246,8 @@ class SCREEN {
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
       if (!open[side]) continue;
       const T_BOUNDS ha = planes_.BOUND(side, placement, reach_[side] - hb[side]);
-      high[side] = highest(side, ha.HIGH);
-      const double low = hb[side] + ha.LOW - rounding(side, ha.LOW) - SMALLEST;
+      high[side] = highest_total(hb[side], ha.HIGH);
+      const double low = hb[side] + ha.LOW - ROUNDING * (std::fabs(hb[side]) + ha.LOW) - SMALLEST;
       reach_[side] = std::max(reach_[side], low);
     }
     if (can_win(high)) work_.LEFT.push_back({placement.POINT_INDEX, placement.HB_TYPE, high});
@@ -209,9 +259,10 @@ class SCREEN {
   const T_OFFSETS& offsets_;
   PLANES& planes_;
   T_HB_WORK& work_;
-  std::array<std::array<double, N_SIDES>, HB_TYPES> anywhere_{};  // HA UDL at most, wherever the zone is
-  std::array<double, N_SIDES> best_{};                            // so far, as magnitudes
-  std::array<double, N_SIDES> reach_{};  // what the best of the pass reaches at least
+  std::array<double, N_SIDES> best_{};         // so far, as magnitudes
+  std::array<double, N_SIDES> reach_{};        // what the best of the pass reaches at least
+  std::array<double, N_SIDES> ha_at_point_{};  // HA UDL at most, of all types at the point in hand
+  std::array<bool, N_SIDES> may_win_{};        // whether any type can win there
 };
 
 }  // namespace search
