@@ -111,7 +111,8 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   if (segments_ < 1) return false;
   T_OPEN_RANGES open;
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-    states_[side].assign(static_cast<std::size_t>(segments_) + 1, {});
+    states_[side].resize(static_cast<std::size_t>(segments_) + 1);
+    states_[side].front() = {};
     ranges_[side].clear();
     slivers_[side] = {};
   }

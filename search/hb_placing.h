@@ -52,12 +52,16 @@ struct T_HB_WORK {
     const std::vector<T_ORDINATES>* SOURCE = nullptr;
     std::vector<T_ORDINATES> PLANES;
   };
+  struct T_EXTREMES {
+    std::vector<real> HIGHEST;
+    std::vector<real> LOWEST;
+  };
   std::vector<real> REVERSED_X;
-  std::vector<T_REVERSED_SET> REVERSED;          // one for each set in hand
-  std::vector<T_LINE> AXLE_LINES;                // of the pass in hand
-  T_ORDINATES SUM;                               // planes 2 and 3 added
-  std::vector<std::array<T_ORDINATE, 2>> FRONT;  // extremes of the lines of the front axles by plane
-  std::vector<std::array<T_ORDINATE, 2>> REAR;   // ordinates of the rear axles by plane
+  std::vector<T_REVERSED_SET> REVERSED;         // one for each set in hand
+  std::vector<T_LINE> AXLE_LINES;               // of the pass in hand
+  T_ORDINATES SUM;                              // planes 2 and 3 added
+  std::vector<T_EXTREMES> EXTREMES;             // of the front axles' lines
+  std::vector<std::array<T_ORDINATE, 2>> REAR;  // ordinates of the rear axles by plane
   // Screening: bounds of the HA UDL by line, and the placements that it leaves.
   struct T_LEFT {
     std::int32_t POINT_INDEX = 0;

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "search/hb_passes.h"
 
@@ -78,6 +79,15 @@ class PLACEMENT_WALK {
     }
   }
 
+  /// The points between which the front axles of all types stand, with those that an axle on a jump reads.
+  std::pair<std::int32_t, std::int32_t> FRONT_AXLES(const T_PLACEMENT& placement) {
+    const real rearmost = placement.AXLE[1];
+    const real foremost = pass_.X(placement.POINT_INDEX) + offsets_.OF_TYPE.back()[0];
+    const std::int32_t first = front_.front().SECOND.ADVANCE(pass_, rearmost) - 1;
+    const std::int32_t last = front_.back().FIRST.ADVANCE(pass_, foremost) + 1;
+    return {std::max(first, 1), std::min(last, pass_.n)};
+  }
+
   /// Places the zone of the placement in hand.
   void PLACE_ZONE(T_PLACEMENT& placement) {
     const auto fraction = [this](real end, std::int32_t above) {
@@ -136,8 +146,10 @@ class SCREEN {
     constexpr std::int32_t COARSE_STEP = 8;
     take_best(result);
     find_extremes();
-    // A coarse walk first, which tells how high the best reaches at least.
+    // A coarse walk first, which tells how high the best reaches at least; a pass before this one has told.
+    const bool has_best = best_[MAX_SIDE] > 0 || best_[MIN_SIDE] > 0;
     for (const std::int32_t step : {COARSE_STEP, 1}) {
+      if (step > 1 && has_best) continue;
       work_.LEFT.clear();
       WALK walk(pass_, offsets_, work_.REAR);
       walk.RUN(
@@ -171,39 +183,78 @@ class SCREEN {
     return can_win(MAX_SIDE, high[MAX_SIDE]) || can_win(MIN_SIDE, high[MIN_SIDE]);
   }
 
-  /// Both front axles on the highest ordinates of their lines, and on the lowest, by plane.
+  /// Extremes of the front axles' lines over about as many points as the front axles of all types span, from
+  /// each point on; by doubling the span.
   void find_extremes() {
-    work_.FRONT.assign(pass_.OWN->size(), {});
-    for (std::size_t plane = 0; plane < work_.FRONT.size(); ++plane) {
+    const auto n = static_cast<std::size_t>(pass_.n);
+    const double lane = static_cast<double>(pass_.X(pass_.n)) - static_cast<double>(pass_.X(1));
+    const double front = static_cast<double>(offsets_.OF_TYPE.back()[0] - offsets_.OF_TYPE.front()[1]);
+    const double points = front / lane * static_cast<double>(n);
+    for (extent_ = 1; 2 * static_cast<double>(extent_) <= points && 2 * extent_ < n;) extent_ *= 2;
+    work_.EXTREMES.resize(2 * pass_.OWN->size());
+    for (std::size_t plane = 0; plane < pass_.OWN->size(); ++plane) {
       for (const std::size_t axle : {0U, 1U}) {
+        if (axle == 1 && pass_.AXLES[0] == pass_.AXLES[1]) continue;
         const T_LINE& line = pass_.AXLE_LINES[HB_AXLES * plane + axle];
-        T_ORDINATE extremes{-std::numeric_limits<real>::infinity(), std::numeric_limits<real>::infinity()};
-        for (std::int32_t i = 1; i <= line.n; ++i) {
-          extremes.UPPER = std::max({extremes.UPPER, line.BEFORE(i), line.AFTER(i)});
-          extremes.LOWER = std::min({extremes.LOWER, line.BEFORE(i), line.AFTER(i)});
+        T_HB_WORK::T_EXTREMES& extremes = work_.EXTREMES[2 * plane + axle];
+        extremes.HIGHEST.resize(n);
+        extremes.LOWEST.resize(n);
+        real* highest = extremes.HIGHEST.data();
+        real* lowest = extremes.LOWEST.data();
+        for (std::size_t i = 0; i < n; ++i) {
+          const auto k = static_cast<std::int32_t>(i) + 1;
+          highest[i] = higher(line.BEFORE(k), line.AFTER(k));
+          lowest[i] = lower(line.BEFORE(k), line.AFTER(k));
         }
-        work_.FRONT[plane][axle] = extremes;
+        for (std::size_t span = 1; span < extent_; span *= 2) {
+          for (std::size_t i = 0; i + span < n; ++i) {
+            highest[i] = higher(highest[i], highest[i + span]);
+            lowest[i] = lower(lowest[i], lowest[i + span]);
+          }
+        }
       }
     }
   }
+  // What isn't a number gives way to the other.
+  static real higher(real a, real b) { return a > b ? a : b; }
+  static real lower(real a, real b) { return a < b ? a : b; }
 
-  /// The largest effect that the axles of any type can have at the point in hand, as a magnitude.
-  [[nodiscard]] double highest_hb(SIDE side) const {
+  /// Extremes of a front axle's line between two points.
+  [[nodiscard]] T_ORDINATE front_extremes(std::size_t plane, std::size_t axle, std::int32_t first,
+                                          std::int32_t last) const {
+    if (pass_.AXLES[0] == pass_.AXLES[1]) axle = 0;
+    const T_HB_WORK::T_EXTREMES& extremes = work_.EXTREMES[2 * plane + axle];
+    auto i = static_cast<std::size_t>(first - 1);
+    T_ORDINATE found{extremes.HIGHEST[i], extremes.LOWEST[i]};
+    for (i += extent_; i < static_cast<std::size_t>(last); i += extent_) {
+      found = {higher(found.UPPER, extremes.HIGHEST[i]), lower(found.LOWER, extremes.LOWEST[i])};
+    }
+    return found;
+  }
+
+  /// The largest effects that the axles of any type can have at the point in hand, as magnitudes, with the
+  /// front axles somewhere between two points.
+  [[nodiscard]] std::array<double, N_SIDES> highest_hb(std::int32_t first, std::int32_t last) const {
     constexpr double SUM_ROUNDING = 1e-6;
-    double highest = PLANES::STRADDLES ? 0 : CANT_WIN;
-    for (std::size_t plane = 0; plane < work_.FRONT.size(); ++plane) {
-      double sum = 0;
-      double magnitude = 0;
-      for (const T_ORDINATE& axle :
-           {work_.FRONT[plane][0], work_.FRONT[plane][1], work_.REAR[plane][0], work_.REAR[plane][1]}) {
-        const auto ordinate = static_cast<double>(side == MAX_SIDE ? axle.UPPER : -axle.LOWER);
-        sum += ordinate;
-        magnitude += std::fabs(ordinate);
+    std::array<double, N_SIDES> highest;
+    highest.fill(PLANES::STRADDLES ? 0 : CANT_WIN);
+    for (std::size_t plane = 0; plane < work_.REAR.size(); ++plane) {
+      const std::array<T_ORDINATE, HB_AXLES> axles{front_extremes(plane, 0, first, last),
+                                                   front_extremes(plane, 1, first, last),
+                                                   work_.REAR[plane][0], work_.REAR[plane][1]};
+      for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+        double sum = 0;
+        double magnitude = 0;
+        for (const T_ORDINATE& axle : axles) {
+          const auto ordinate = static_cast<double>(side == MAX_SIDE ? axle.UPPER : -axle.LOWER);
+          sum += ordinate;
+          magnitude += std::fabs(ordinate);
+        }
+        const double hb = (sum + SUM_ROUNDING * magnitude) * static_cast<double>(input_.VEHICLE->HB_LOAD);
+        // Ordinates of another lane may be no numbers.
+        highest[side] =
+            std::isnan(hb) ? std::numeric_limits<double>::infinity() : std::max(highest[side], hb);
       }
-      const double hb = (sum + SUM_ROUNDING * magnitude) * static_cast<double>(input_.VEHICLE->HB_LOAD);
-      // Ordinates of another lane may be no numbers.
-      if (std::isnan(hb)) return std::numeric_limits<double>::infinity();
-      highest = std::max(highest, hb);
     }
     return highest;
   }
@@ -218,9 +269,11 @@ class SCREEN {
   /// more of the lane free, and their length alone lowers the intensity.
   [[nodiscard]] bool may_win_at_point(WALK& walk, T_PLACEMENT& placement) {
     walk.PLACE_ZONE(placement);
+    const auto [first, last] = walk.FRONT_AXLES(placement);
+    const std::array<double, N_SIDES> hb = highest_hb(first, last);
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
       ha_at_point_[side] = planes_.QUICK_BOUND(side, placement);
-      may_win_[side] = can_win(side, highest_total(highest_hb(side), ha_at_point_[side]));
+      may_win_[side] = can_win(side, highest_total(hb[side], ha_at_point_[side]));
     }
     return may_win_[MAX_SIDE] || may_win_[MIN_SIDE];
   }
@@ -259,6 +312,7 @@ class SCREEN {
   const T_OFFSETS& offsets_;
   PLANES& planes_;
   T_HB_WORK& work_;
+  std::size_t extent_ = 1;                     // points that an entry of the extremes covers
   std::array<double, N_SIDES> best_{};         // so far, as magnitudes
   std::array<double, N_SIDES> reach_{};        // what the best of the pass reaches at least
   std::array<double, N_SIDES> ha_at_point_{};  // HA UDL at most, of all types at the point in hand
