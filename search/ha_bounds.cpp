@@ -295,57 +295,42 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
                          joined.LENGTH - length_error > static_cast<double>(short_range_) && open_area >= 0 &&
                          open.LENGTH >= 0;
     if (!is_sure) return NO_BOUNDS;
-    joined.MEAN = joined.AREA / joined.LENGTH;
+    const double per_length = 1 / joined.LENGTH;
+    joined.MEAN = joined.AREA * per_length;
     joined.MEAN_ERROR =
-        joined.MEAN * (area_error / joined.AREA + length_error / joined.LENGTH + 2 * ROUNDING) * 1.1 +
+        ((area_error + joined.MEAN * length_error) * per_length + joined.MEAN * 2 * ROUNDING) * 1.1 +
         SMALLEST_STEP;
   }
   for (std::size_t i = 1; i < n_own; ++i) {
     for (std::size_t j = i; j > 0 && own[j].MEAN > own[j - 1].MEAN; --j) std::swap(own[j], own[j - 1]);
   }
 
-  // The ranking, merged of the whole line's ranges that stand and the own ones.
-  const std::int32_t first_gone = before.CLOSED + 1;
-  const std::int32_t last_gone = reaches_end ? std::numeric_limits<std::int32_t>::max() : closing.CLOSED;
-  std::array<const T_RANKED*, MOST_RANGES + MOST_OWN> ranking;
-  std::size_t count = 0;
-  std::size_t next_own = 0;
-  for (const T_RANKED& range : ranges_[side]) {
-    if (range.NUMBER >= first_gone && range.NUMBER <= last_gone) continue;
-    while (next_own < n_own && own[next_own].MEAN > range.MEAN) ranking[count++] = &own[next_own++];
-    ranking[count++] = &range;
-  }
-  while (next_own < n_own) ranking[count++] = &own[next_own++];
-
-  // Its prefixes.
+  // The prefixes of the ranking, which merges the whole line's ranges that stand and the own ones. Ranges
+  // any of which may come first wait in a group until it is complete.
   T_BOUNDS best;
-  const auto prefix = [&](double area, double length, std::size_t loaded, bool is_sure) {
-    const double off = (16 + static_cast<double>(loaded)) * ROUNDING * MARGIN;
-    const double shortest = length * (1 - off) - length_error;
-    const double highest = (area * (1 + off) + area_error) * intensity_->HIGHEST_FROM(shortest) * (1 + off);
-    best.HIGH = std::max(best.HIGH, highest + SMALLEST_STEP * (1 + highest));
-    if (!is_sure || highest <= needed) return;
-    const double lowest = intensity_->LOWEST_BETWEEN(shortest, length * (1 + off) + length_error);
-    best.LOW = std::max(best.LOW, (area * (1 - off) - area_error) * lowest * (1 - off) - SMALLEST_STEP);
-  };
   double area = 0;
   double length = vehicle_length;
-  for (std::size_t first = 0; first < count;) {
-    // The group of ranges any of which may come first.
-    double lowest_mean = ranking[first]->MEAN - ranking[first]->MEAN_ERROR;
-    std::size_t behind_group = first + 1;
-    while (behind_group < count &&
-           ranking[behind_group]->MEAN + ranking[behind_group]->MEAN_ERROR >= lowest_mean) {
-      lowest_mean = std::min(lowest_mean, ranking[behind_group]->MEAN - ranking[behind_group]->MEAN_ERROR);
-      ++behind_group;
-    }
-    if (behind_group - first > 1) {
+  std::size_t loaded = 0;
+  const auto prefix = [&](double its_area, double its_length, std::size_t its_ranges, bool is_sure) {
+    const double off = (16 + static_cast<double>(its_ranges)) * ROUNDING * MARGIN;
+    const double shortest = its_length * (1 - off) - length_error;
+    const double highest =
+        (its_area * (1 + off) + area_error) * intensity_->HIGHEST_FROM(shortest) * (1 + off);
+    best.HIGH = std::max(best.HIGH, highest + SMALLEST_STEP * (1 + highest));
+    if (!is_sure || highest <= needed) return;
+    const double lowest = intensity_->LOWEST_BETWEEN(shortest, its_length * (1 + off) + length_error);
+    best.LOW = std::max(best.LOW, (its_area * (1 - off) - area_error) * lowest * (1 - off) - SMALLEST_STEP);
+  };
+  std::array<const T_RANKED*, MOST_RANGES + MOST_OWN> group;
+  std::size_t members = 0;
+  double lowest_mean = 0;  // of the group
+  const auto end_group = [&] {
+    if (members > 1) {
       std::array<double, MOST_RANGES + MOST_OWN> areas;
       std::array<double, MOST_RANGES + MOST_OWN> lengths;
-      const std::size_t members = behind_group - first;
       for (std::size_t m = 0; m < members; ++m) {
-        areas[m] = ranking[first + m]->AREA;
-        lengths[m] = ranking[first + m]->LENGTH;
+        areas[m] = group[m]->AREA;
+        lengths[m] = group[m]->LENGTH;
       }
       std::sort(areas.begin(), areas.begin() + static_cast<std::ptrdiff_t>(members), std::greater<>());
       std::sort(lengths.begin(), lengths.begin() + static_cast<std::ptrdiff_t>(members));
@@ -354,15 +339,33 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
       for (std::size_t m = 0; m + 1 < members; ++m) {
         most_area += areas[m];
         least_length += lengths[m];
-        prefix(most_area, least_length, first + m + 1, false);
+        prefix(most_area, least_length, loaded + m + 1, false);
       }
     }
-    for (; first < behind_group; ++first) {
-      area += ranking[first]->AREA;
-      length += ranking[first]->LENGTH;
+    for (std::size_t m = 0; m < members; ++m) {
+      area += group[m]->AREA;
+      length += group[m]->LENGTH;
     }
-    prefix(area, length, first, true);
+    loaded += members;
+    if (members > 0) prefix(area, length, loaded, true);
+    members = 0;
+  };
+  const auto take = [&](const T_RANKED& range) {
+    const double low = range.MEAN - range.MEAN_ERROR;
+    if (members > 0 && range.MEAN + range.MEAN_ERROR < lowest_mean) end_group();
+    lowest_mean = members > 0 ? std::min(lowest_mean, low) : low;
+    group[members++] = &range;
+  };
+  const std::int32_t first_gone = before.CLOSED + 1;
+  const std::int32_t last_gone = reaches_end ? std::numeric_limits<std::int32_t>::max() : closing.CLOSED;
+  std::size_t next_own = 0;
+  for (const T_RANKED& range : ranges_[side]) {
+    if (range.NUMBER >= first_gone && range.NUMBER <= last_gone) continue;
+    while (next_own < n_own && own[next_own].MEAN > range.MEAN) take(own[next_own++]);
+    take(range);
   }
+  while (next_own < n_own) take(own[next_own++]);
+  end_group();
   return best;
 }
 
