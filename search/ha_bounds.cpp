@@ -113,19 +113,20 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
     states_[side].resize(static_cast<std::size_t>(segments_) + 1);
     states_[side].front() = {};
+    closed_[side].clear();
     ranges_[side].clear();
     slivers_[side] = {};
   }
   bool bounded = true;
   std::array<real, N_SIDES> largest{};  // ordinate of each sign, as a magnitude
-  std::array<std::int32_t, N_SIDES> closed{};
   std::int32_t segment = 0;
   const auto note_range = [&](SIDE side, const T_OPEN_RANGE& range) {
     T_RANKED its = ranked(side, range);
     // A range that rounding made negative, or one too many.
     bounded = bounded && ranges_[side].size() < MOST_RANGES && its.AREA >= 0 && its.LENGTH >= 0;
     if (!bounded) return;
-    its.NUMBER = ++closed[side];
+    closed_[side].push_back(range);
+    its.NUMBER = static_cast<std::int32_t>(closed_[side].size());
     ranges_[side].push_back(its);
   };
   for (segment = 1; segment <= segments_ && bounded; ++segment) {
@@ -153,7 +154,7 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
       slivers_[side].LENGTH += std::max(-length, 0.0);
       T_STATE& state = states_[side][at];
       state.OPEN = side == MAX_SIDE ? open.POSITIVE : open.NEGATIVE;
-      state.CLOSED = closed[side];
+      state.CLOSED = static_cast<std::int32_t>(closed_[side].size());
       state.TERMS = states_[side][at - 1].TERMS + (magnitude != 0 || length != 0 ? 1 : 0);
       state.AREA_SUM = states_[side][at - 1].AREA_SUM + magnitude;
       state.LENGTH_SUM = states_[side][at - 1].LENGTH_SUM + length;
@@ -248,6 +249,47 @@ T_ZONE_CUT T_HA_BOUNDS::CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const 
   ADD_NEAR_PIECE<L>(line, zone, cut.OPEN, closed);
   ADD_FAR_PIECE<L>(line, zone, cut.OPEN, closed);
   return cut;
+}
+
+template <LAYOUT L>
+void T_HA_BOUNDS::RANGES_BESIDE(const T_LINE& line, const T_ZONE_PLACE& zone, const T_ZONE_CUT& cut,
+                                T_RANGE_WORK& work) const {
+  if (!cut.KNOWN) {
+    CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
+    return;
+  }
+  const RANGE_SINK closed(work, line.n);
+  const auto take_whole = [&](SIDE side, std::int32_t from, std::int32_t to) {
+    for (std::int32_t r = from; r < to; ++r) closed(side, closed_[side][static_cast<std::size_t>(r)]);
+  };
+  const auto state = [this](SIDE side, std::int32_t segments) -> const T_STATE& {
+    return states_[side][static_cast<std::size_t>(segments)];
+  };
+  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) take_whole(side, 0, state(side, cut.BEFORE).CLOSED);
+  for (std::int32_t c = 0; c < cut.N_CLOSED; ++c) {
+    const T_ZONE_CUT::T_CLOSED& its = cut.CLOSED[static_cast<std::size_t>(c)];
+    closed(its.RANGE_SIDE, its.RANGE);
+  }
+  // Once both open ranges hold what they hold on the whole line, all that follows is the whole line's.
+  T_OPEN_RANGES open = cut.OPEN;
+  std::int32_t segment = cut.BEHIND;
+  const auto is_as_whole = [&](SIDE side, const T_OPEN_RANGE& range) {
+    const T_OPEN_RANGE& whole = state(side, segment).OPEN;
+    return range.AREA == whole.AREA && range.LENGTH == whole.LENGTH;
+  };
+  for (; segment < segments_; ++segment) {
+    if (is_as_whole(MAX_SIDE, open.POSITIVE) && is_as_whole(MIN_SIDE, open.NEGATIVE)) break;
+    const std::int32_t i = segment + 1;
+    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
+    if (!(L::SKIPS_ZERO_LENGTH && dx == 0)) open.SEGMENT(dx, line.AFTER(i), line.BEFORE(i + 1), closed);
+  }
+  if (segment == segments_) {
+    open.END(closed);
+    return;
+  }
+  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+    take_whole(side, state(side, segment).CLOSED, static_cast<std::int32_t>(closed_[side].size()));
+  }
 }
 
 T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length,
@@ -373,5 +415,9 @@ template bool T_HA_BOUNDS::PREPARE<SIMPLE_LAYOUT>(const T_LINE&, const T_INTENSI
 template bool T_HA_BOUNDS::PREPARE<JUMP_LAYOUT>(const T_LINE&, const T_INTENSITY_BOUNDS&, real);
 template T_ZONE_CUT T_HA_BOUNDS::CUT<SIMPLE_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&) const noexcept;
 template T_ZONE_CUT T_HA_BOUNDS::CUT<JUMP_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&) const noexcept;
+template void T_HA_BOUNDS::RANGES_BESIDE<SIMPLE_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, const T_ZONE_CUT&,
+                                                        T_RANGE_WORK&) const;
+template void T_HA_BOUNDS::RANGES_BESIDE<JUMP_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, const T_ZONE_CUT&,
+                                                      T_RANGE_WORK&) const;
 
 }  // namespace search

@@ -91,6 +91,10 @@ class T_HA_BOUNDS {
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept;
   template <LAYOUT L>
   [[nodiscard]] T_ZONE_CUT CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept;
+  /// What CUT_RANGES_BESIDE_ZONE gives, without walking over more of the line than the joined ranges.
+  template <LAYOUT L>
+  void RANGES_BESIDE(const T_LINE& line, const T_ZONE_PLACE& zone, const T_ZONE_CUT& cut,
+                     T_RANGE_WORK& work) const;
   /// Bounds of the magnitude of a side's effect. The lower one is worked out only as far as it can get above
   /// `needed`.
   [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length,
@@ -119,8 +123,9 @@ class T_HA_BOUNDS {
   [[nodiscard]] T_RANKED ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept;
   [[nodiscard]] double area_bound(SIDE side, double area, double vehicle_length) const noexcept;
 
-  std::array<std::vector<T_STATE>, N_SIDES> states_;  // by segments passed
-  std::array<std::vector<T_RANKED>, N_SIDES> ranges_;
+  std::array<std::vector<T_STATE>, N_SIDES> states_;       // by segments passed
+  std::array<std::vector<T_OPEN_RANGE>, N_SIDES> closed_;  // the whole line's ranges as they close
+  std::array<std::vector<T_RANKED>, N_SIDES> ranges_;      // the same from the highest mean to the lowest
   struct T_SLIVERS {
     double AREA = 0;
     double LENGTH = 0;

@@ -89,24 +89,35 @@ T_HA_RESULT search_lane(const T_LINE& line, const T_HA_CURVE& curve, real kel_lo
   return result;
 }
 
+template <LAYOUT L>
+void cut_beside_zone(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANGE_WORK& work,
+                     const T_HA_BOUNDS* known) {
+  if (known == nullptr) {
+    CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
+  } else {
+    known->RANGES_BESIDE<L>(line, zone, known->CUT<L>(line, zone), work);
+  }
+}
+
 }  // namespace
 
 template <LAYOUT L>
 T_HA_RESULT HA_SEARCH_ZONE_OF(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
-                              real vehicle_length, T_RANGE_WORK& work) {
-  CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
+                              real vehicle_length, T_RANGE_WORK& work, const T_HA_BOUNDS* known) {
+  cut_beside_zone<L>(line, zone, work, known);
   return best_prefixes(work, curve, vehicle_length, 0);
 }
 
 template <LAYOUT L>
 T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
                                  const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
-                                 T_RANGE_WORK& work_b) {
-  const auto search_set = [&](const T_LINE& line, T_RANGE_WORK& work) {
-    CUT_RANGES_BESIDE_ZONE<L>(line, zone, work);
+                                 T_RANGE_WORK& work_b, const T_HA_BOUNDS* known_a,
+                                 const T_HA_BOUNDS* known_b) {
+  const auto search_set = [&](const T_LINE& line, T_RANGE_WORK& work, const T_HA_BOUNDS* known) {
+    cut_beside_zone<L>(line, zone, work, known);
     return best_prefixes(work, curve, vehicle_length, L::SHORT_RANGE);
   };
-  return {search_set(a, work_a), search_set(b, work_b)};
+  return {search_set(a, work_a, known_a), search_set(b, work_b, known_b)};
 }
 
 T_HA_RESULT HA_SEARCH_LANE(const T_LINE& line, const T_HA_CURVE& curve, real kel_load, T_RANGE_WORK& work) {
@@ -141,14 +152,15 @@ T_HA_PAIR HA_SEARCH_ZONE_PAIR_JUMP(const T_LINE& a, const T_LINE& b, const T_HA_
 }
 
 template T_HA_RESULT HA_SEARCH_ZONE_OF<SIMPLE_LAYOUT>(const T_LINE&, const T_HA_CURVE&, const T_ZONE_PLACE&,
-                                                      real, T_RANGE_WORK&);
+                                                      real, T_RANGE_WORK&, const T_HA_BOUNDS*);
 template T_HA_RESULT HA_SEARCH_ZONE_OF<JUMP_LAYOUT>(const T_LINE&, const T_HA_CURVE&, const T_ZONE_PLACE&,
-                                                    real, T_RANGE_WORK&);
+                                                    real, T_RANGE_WORK&, const T_HA_BOUNDS*);
 template T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF<SIMPLE_LAYOUT>(const T_LINE&, const T_LINE&, const T_HA_CURVE&,
                                                          const T_ZONE_PLACE&, real, T_RANGE_WORK&,
-                                                         T_RANGE_WORK&);
+                                                         T_RANGE_WORK&, const T_HA_BOUNDS*,
+                                                         const T_HA_BOUNDS*);
 template T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF<JUMP_LAYOUT>(const T_LINE&, const T_LINE&, const T_HA_CURVE&,
                                                        const T_ZONE_PLACE&, real, T_RANGE_WORK&,
-                                                       T_RANGE_WORK&);
+                                                       T_RANGE_WORK&, const T_HA_BOUNDS*, const T_HA_BOUNDS*);
 
 }  // namespace search

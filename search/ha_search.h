@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 
+#include "search/ha_bounds.h"
 #include "search/ranges.h"
 
 namespace search {
@@ -30,9 +31,10 @@ T_HA_RESULT HA_SEARCH_LANE_JUMP(const T_LINE& line, const T_HA_CURVE& curve, rea
                                 T_RANGE_WORK& work);
 
 /// The rest of a lane beside an HB: no KEL, and the vehicle's length counts as loaded length from the start.
+/// `known`, where it isn't null, is prepared for the line and spares a walk over all of it.
 template <LAYOUT L>
 T_HA_RESULT HA_SEARCH_ZONE_OF(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
-                              real vehicle_length, T_RANGE_WORK& work);
+                              real vehicle_length, T_RANGE_WORK& work, const T_HA_BOUNDS* known = nullptr);
 T_HA_RESULT HA_SEARCH_ZONE(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
                            real vehicle_length, T_RANGE_WORK& work);
 T_HA_RESULT HA_SEARCH_ZONE_JUMP(const T_LINE& line, const T_HA_CURVE& curve, const T_ZONE_PLACE& zone,
@@ -47,7 +49,8 @@ struct T_HA_PAIR {
 template <LAYOUT L>
 T_HA_PAIR HA_SEARCH_ZONE_PAIR_OF(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
                                  const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
-                                 T_RANGE_WORK& work_b);
+                                 T_RANGE_WORK& work_b, const T_HA_BOUNDS* known_a = nullptr,
+                                 const T_HA_BOUNDS* known_b = nullptr);
 T_HA_PAIR HA_SEARCH_ZONE_PAIR(const T_LINE& a, const T_LINE& b, const T_HA_CURVE& curve,
                               const T_ZONE_PLACE& zone, real vehicle_length, T_RANGE_WORK& work_a,
                               T_RANGE_WORK& work_b);

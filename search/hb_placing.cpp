@@ -31,10 +31,13 @@ class HA_ON_LINE {
  public:
   HA_ON_LINE(const T_HB_INPUT& input, T_HB_WORK& work) : input_(input), work_(work) {}
 
-  void BEGIN_PASS(const T_LINE& line) { line_ = line; }
+  void BEGIN_PASS(const T_LINE& line) {
+    line_ = line;
+    is_known_ = false;
+  }
   void SEARCH(const T_PLACEMENT& placement) {
     ha_ = HA_SEARCH_ZONE_OF<L>(line_, input_.VEHICLE->HA_CURVE, placement.ZONE, placement.VEHICLE_LENGTH,
-                               work_.RANGES[0]);
+                               work_.RANGES[0], is_known_ ? work_.BOUNDS.data() : nullptr);
   }
   [[nodiscard]] real VALUE(SIDE side) const { return ha_[side].VALUE; }
   void RECORD(SIDE side, const T_PASS& pass, const T_PLACEMENT& placement, std::int32_t plane,
@@ -44,7 +47,10 @@ class HA_ON_LINE {
                      result.INFL_REC);
   }
 
-  [[nodiscard]] bool PREPARE_BOUNDS() { return work_.BOUNDS[0].PREPARE<L>(line_, work_.INTENSITY, 0); }
+  [[nodiscard]] bool PREPARE_BOUNDS() {
+    is_known_ = work_.BOUNDS[0].PREPARE<L>(line_, work_.INTENSITY, 0);
+    return is_known_;
+  }
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_PLACEMENT& placement) const {
     return work_.BOUNDS[0].QUICK_BOUND(side, placement.ZONE, static_cast<double>(placement.VEHICLE_LENGTH));
   }
@@ -57,6 +63,7 @@ class HA_ON_LINE {
   const T_HB_INPUT& input_;
   T_HB_WORK& work_;
   T_LINE line_;
+  bool is_known_ = false;  // the line's bounds are prepared
   T_HA_RESULT ha_;
   T_ZONE_CUT cut_;
 };
@@ -68,10 +75,15 @@ class HA_ON_PAIR {
  public:
   HA_ON_PAIR(const T_HB_INPUT& input, T_HB_WORK& work) : input_(input), work_(work) {}
 
-  void BEGIN_PASS(const T_LINE& first, const T_LINE& second) { lines_ = {first, second}; }
+  void BEGIN_PASS(const T_LINE& first, const T_LINE& second) {
+    lines_ = {first, second};
+    are_known_ = false;
+  }
   void SEARCH(const T_PLACEMENT& placement) {
     ha_ = HA_SEARCH_ZONE_PAIR_OF<L>(lines_[0], lines_[1], input_.VEHICLE->HA_CURVE, placement.ZONE,
-                                    placement.VEHICLE_LENGTH, work_.RANGES[0], work_.RANGES[1]);
+                                    placement.VEHICLE_LENGTH, work_.RANGES[0], work_.RANGES[1],
+                                    are_known_ ? work_.BOUNDS.data() : nullptr,
+                                    are_known_ ? work_.BOUNDS.data() + 1 : nullptr);
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
       const real first_full = ha_.A[side].VALUE + ONE_THIRD * ha_.B[side].VALUE;
       const real second_full = ONE_THIRD * ha_.A[side].VALUE + ha_.B[side].VALUE;
@@ -94,8 +106,9 @@ class HA_ON_PAIR {
   }
 
   [[nodiscard]] bool PREPARE_BOUNDS() {
-    return work_.BOUNDS[0].PREPARE<L>(lines_[0], work_.INTENSITY, L::SHORT_RANGE) &&
-           work_.BOUNDS[1].PREPARE<L>(lines_[1], work_.INTENSITY, L::SHORT_RANGE);
+    are_known_ = work_.BOUNDS[0].PREPARE<L>(lines_[0], work_.INTENSITY, L::SHORT_RANGE) &&
+                 work_.BOUNDS[1].PREPARE<L>(lines_[1], work_.INTENSITY, L::SHORT_RANGE);
+    return are_known_;
   }
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_PLACEMENT& placement) const {
     const auto length = static_cast<double>(placement.VEHICLE_LENGTH);
@@ -125,6 +138,7 @@ class HA_ON_PAIR {
   const T_HB_INPUT& input_;
   T_HB_WORK& work_;
   std::array<T_LINE, 2> lines_;
+  bool are_known_ = false;
   T_HA_PAIR ha_;
   std::array<bool, N_SIDES> first_is_full_{};
   std::array<real, N_SIDES> values_{};

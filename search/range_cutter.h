@@ -71,6 +71,26 @@ class T_OPEN_RANGES {
   }
 };
 
+/// The lists that ranges join when they close.
+class RANGE_SINK {
+ public:
+  RANGE_SINK(T_RANGE_WORK& work, std::int32_t n) : work_(work) {
+    for (T_RANGE_LIST& list : work_.SIDES) {
+      list.RESERVE(n);
+      list.COUNT = 0;
+    }
+  }
+  void operator()(SIDE side, const T_OPEN_RANGE& range) const {
+    T_RANGE_LIST& list = work_.SIDES[side];
+    const auto at = static_cast<std::size_t>(list.COUNT++);
+    list.RANGE_AREA[at] = range.AREA;
+    list.RANGE_LENGTH[at] = range.LENGTH;
+  }
+
+ private:
+  T_RANGE_WORK& work_;
+};
+
 /// The segment in which the near end of a zone lies, or which begins there.
 [[nodiscard]] inline std::int32_t NEAR_SEGMENT(const T_ZONE_PLACE& zone) {
   return zone.NEAR_FRACTION != 0 ? zone.NEAR_INDEX - 1 : zone.NEAR_INDEX;

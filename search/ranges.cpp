@@ -21,26 +21,6 @@ void T_RANGE_LIST::RESERVE(std::int32_t n) {
 
 namespace {
 
-/// The lists that ranges join when they close.
-class RANGE_SINK {
- public:
-  RANGE_SINK(T_RANGE_WORK& work, std::int32_t n) : work_(work) {
-    for (T_RANGE_LIST& list : work_.SIDES) {
-      list.RESERVE(n);
-      list.COUNT = 0;
-    }
-  }
-  void operator()(SIDE side, const T_OPEN_RANGE& range) const {
-    T_RANGE_LIST& list = work_.SIDES[side];
-    const auto at = static_cast<std::size_t>(list.COUNT++);
-    list.RANGE_AREA[at] = range.AREA;
-    list.RANGE_LENGTH[at] = range.LENGTH;
-  }
-
- private:
-  T_RANGE_WORK& work_;
-};
-
 /// The segments from point i on, as long as their ends have the sign of the side beyond 0; the line has one
 /// column. Returns the point at which the next segment begins.
 template <LAYOUT L, SIDE SIGN>
