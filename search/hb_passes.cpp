@@ -31,7 +31,7 @@ T_PASS TURN_ROUND(const T_HB_INPUT& input, T_HB_WORK& work) {
     for (std::size_t p = 0; p < source->size(); ++p) reverse_rows((*source)[p], n, set.PLANES[p]);
     return &set.PLANES;
   };
-  T_PASS pass{REVERSE_PASS, n, {work.REVERSED_X.data(), {n}}, reversed(input.OWN), {}, nullptr};
+  T_PASS pass{REVERSE_PASS, n, {work.REVERSED_X.data(), {n}}, reversed(input.OWN), {}, false, nullptr};
   for (std::size_t j = 0; j < HB_AXLES; ++j) pass.AXLES[j] = reversed(input.AXLES[j]);
   return pass;
 }

@@ -46,19 +46,20 @@ struct T_PASS {
   TABLE<const real, POINT> X;
   const std::vector<T_ORDINATES>* OWN = nullptr;
   std::array<const std::vector<T_ORDINATES>*, HB_AXLES> AXLES{};
-  const T_LINE* AXLE_LINES = nullptr;  // of axle j on plane p, four to a plane; see BEGIN_LINES
+  bool ASCENDS = false;
+  const T_LINE* AXLE_LINES = nullptr;  // of axle j on plane p, four to a plane
 
   [[nodiscard]] T_LINE LINE(const T_ORDINATES& ordinates) const { return ordinates.LINE(X, n); }
 
-  [[nodiscard]] bool ASCENDS() const {
-    for (std::int32_t i = 1; i < n; ++i) {
-      if (!(X(i) <= X(i + 1))) return false;
-    }
-    return true;
+  /// The first point that doesn't lie below a position on the lane, of points that ascend.
+  [[nodiscard]] std::int32_t FIRST_NOT_BELOW(real position) const {
+    return static_cast<std::int32_t>(std::lower_bound(&X(1), &X(1) + n, position) - &X(1)) + 1;
   }
 
-  /// Builds the views that every placement of the pass reads.
-  void BEGIN_LINES(std::vector<T_LINE>& lines) {
+  /// Builds the views that every placement of the pass reads, and looks whether the points ascend.
+  void BEGIN(std::vector<T_LINE>& lines) {
+    ASCENDS = true;
+    for (std::int32_t i = 1; i < n; ++i) ASCENDS = ASCENDS && X(i) <= X(i + 1);
     lines.clear();
     for (std::size_t plane = 0; plane < OWN->size(); ++plane) {
       for (const std::vector<T_ORDINATES>* planes : AXLES) lines.push_back(LINE((*planes)[plane]));
@@ -103,7 +104,22 @@ struct T_PLACEMENT {
   /// Places the axles and the ends of the zone among the points.
   void FIND(const T_PASS& pass) {
     for (std::size_t j = 0; j < HB_AXLES; ++j) POSITIONS[j] = FIND_POSITION(AXLE[j], pass.X, pass.n);
-    ZONE = LOCATE_ZONE(FAR_END, NEAR_END, pass.X, pass.n);
+    if (pass.ASCENDS) {
+      SET_ZONE(pass, pass.FIRST_NOT_BELOW(NEAR_END), pass.FIRST_NOT_BELOW(FAR_END));
+    } else {
+      ZONE = LOCATE_ZONE(FAR_END, NEAR_END, pass.X, pass.n);
+    }
+  }
+  /// What LOCATE_ZONE gives where the points ascend, from the first points that don't lie below the ends.
+  void SET_ZONE(const T_PASS& pass, std::int32_t at_near, std::int32_t at_far) {
+    const auto fraction = [&pass](real end, std::int32_t above) {
+      return (end - pass.X(above - 1)) / (pass.X(above) - pass.X(above - 1));
+    };
+    ZONE = {at_far, 0, at_near, 0};
+    if (pass.X(at_near) != NEAR_END) ZONE.NEAR_FRACTION = fraction(NEAR_END, at_near);
+    if (pass.X(at_far) == FAR_END) return;
+    ZONE.FAR_INDEX = at_far - 1;
+    ZONE.FAR_FRACTION = fraction(FAR_END, at_far);
   }
 };
 

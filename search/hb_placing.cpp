@@ -210,7 +210,7 @@ void place_in_pass(T_PASS pass, const T_HB_INPUT& input, const T_OFFSETS& offset
                    T_HB_WORK& work, T_SEARCH_RESULT& result) {
   using ROWS = typename PLANES::ROWS;
   if (pass.n < 2) return;
-  pass.BEGIN_LINES(work.AXLE_LINES);
+  pass.BEGIN(work.AXLE_LINES);
   planes.BEGIN(pass, work);
   const auto attempt = [&](T_PLACEMENT& placement) {
     placement.FIND(pass);
@@ -218,7 +218,7 @@ void place_in_pass(T_PASS pass, const T_HB_INPUT& input, const T_OFFSETS& offset
     const T_AXLE_SUMS sums = AXLE_SUMS<ROWS, PLANES::STRADDLES>(pass, placement, work.REAR);
     try_placement(pass, input, placement, sums, planes, result);
   };
-  if (!pass.ASCENDS() || !offsets.ARE_IN_ORDER()) {
+  if (!pass.ASCENDS || !offsets.ARE_IN_ORDER()) {
     for (std::int32_t i = 1; i <= pass.n; ++i) {
       T_PLACEMENT placement(pass, offsets, i);
       for (std::int32_t k = 1; k <= HB_TYPES; ++k) {
@@ -250,7 +250,7 @@ void place_hb(const T_HB_INPUT& input, T_HB_WORK& work, T_SEARCH_RESULT& result)
   const T_OFFSETS offsets(*input.VEHICLE);
   PLANES planes(input, work);
   if (input.LANE_DIRECTION != REVERSE_ONLY) {
-    const T_PASS pass{FORWARD_PASS, input.n, input.LANE_X, input.OWN, input.AXLES, nullptr};
+    const T_PASS pass{FORWARD_PASS, input.n, input.LANE_X, input.OWN, input.AXLES, false, nullptr};
     place_in_pass(pass, input, offsets, planes, work, result);
   }
   if (input.LANE_DIRECTION != FORWARD_ONLY) {

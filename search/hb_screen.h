@@ -90,18 +90,8 @@ class PLACEMENT_WALK {
 
   /// Places the zone of the placement in hand.
   void PLACE_ZONE(T_PLACEMENT& placement) {
-    const auto fraction = [this](real end, std::int32_t above) {
-      return (end - pass_.X(above - 1)) / (pass_.X(above) - pass_.X(above - 1));
-    };
-    const std::int32_t above_near = near_.ADVANCE(pass_, placement.NEAR_END);
-    const std::int32_t above_far = front_of(placement).FAR.ADVANCE(pass_, placement.FAR_END);
-    T_ZONE_PLACE& zone = placement.ZONE;
-    zone = {above_far, 0, above_near, 0};
-    if (pass_.X(above_near) != placement.NEAR_END)
-      zone.NEAR_FRACTION = fraction(placement.NEAR_END, above_near);
-    if (pass_.X(above_far) == placement.FAR_END) return;
-    zone.FAR_INDEX = above_far - 1;
-    zone.FAR_FRACTION = fraction(placement.FAR_END, above_far);
+    placement.SET_ZONE(pass_, near_.ADVANCE(pass_, placement.NEAR_END),
+                       front_of(placement).FAR.ADVANCE(pass_, placement.FAR_END));
   }
 
  private:
