@@ -23,7 +23,10 @@ void OTHER_LANE_CLASS_ORDINATES(const std::vector<T_LANE>& lanes, const T_LANE_S
   for (std::size_t set = 1; set < sequence.LANES.size(); ++set) {
     const std::int32_t number = sequence.LANES[set];
     const T_LANE& lane = lanes[static_cast<std::size_t>(number - 1)];
-    const T_CLASS_DEFINITION* definition = definitions.FIND(veh_class, number);
+    // On the lane in hand only a number above 0 is a definition; here any that the table tells, but 0.
+    const std::int32_t class_def_no = definitions.CLASS_LANE_TABLE.FIND(veh_class, number);
+    const T_CLASS_DEFINITION* definition =
+        class_def_no != 0 ? definitions.FIND_CLASS_DEF(class_def_no) : nullptr;
     if (definition == nullptr) {
       for (T_ORDINATES& plane : sets[set]) plane.CLEAR();
     } else if (by_planes) {

@@ -136,8 +136,7 @@ void change_definitions(T_MODEL& model, RANDOM& random) {
     if (random.one_in(2)) definitions.back().number += 1000;
   }
   for (auto& definition : definitions) {
-    const int odd = model.axle_lists.empty() ? -3 : 0;
-    if (random.one_in(6)) definition.number = random.one_of<int>({odd, 7, definitions.front().number});
+    if (random.one_in(6)) definition.number = random.one_of<int>({0, -3, 7, definitions.front().number});
     if (random.one_in(6)) definition.links.resize(definition.links.size() / 2);
     if (random.one_in(6) && !definition.links.empty())
       definition.links.resize(definition.links.size() + 3, definition.links.front());
