@@ -90,6 +90,7 @@ void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t RESULT_KIND, 
     request.RESULT_ID = RESULT_ID;
     request.RESULT_ITEM = RESULT_ITEM;
     request.MV_CASE = MV_CASE;
+    request.UNIT_78 = &host_settings.UNIT_78;
 
     const std::int64_t lanes = std::max(*NUM_LANE, 0);
     kernel::T_HOST_RESULTS host{NUM_LANE, FINAL_MAX, FINAL_MIN, {}};

@@ -1,7 +1,6 @@
 #include "kernel/diagnostic_dump.h"
 
 #include <array>
-#include <cstdio>
 #include <new>
 #include <string_view>
 
@@ -15,32 +14,12 @@ constexpr std::array<std::string_view, 7> MLOADB_HEADINGS{
     "COMB. TYPE",     "W (HA_UDL)", "NO.LOADED RANGE", "TYPE OF HB",
     "POSITION OF HB", "FACTOR",     "0=1/3,1=1 HA_UDL"};
 
-void append_field(std::string& text, const char* number, int width) {
-  const std::string_view digits(number);
-  const auto room = static_cast<std::size_t>(width);
-  if (digits.size() > room) {
-    text.append(room, '*');
-  } else {
-    text.append(room - digits.size(), ' ').append(digits);
-  }
-}
-
-void append_integer(std::string& text, std::int32_t value, int width) {
-  char number[16];
-  std::snprintf(number, sizeof number, "%d", value);
-  append_field(text, number, width);
-}
-
-void append_real(std::string& text, double value, int width) {
-  char number[400];
-  std::snprintf(number, sizeof number, "%.5f", value);
-  append_field(text, number, width);
-}
-
 void append_left(std::string& text, std::string_view words, std::size_t width) {
   text.append(words.substr(0, width));
   if (words.size() < width) text.append(width - words.size(), ' ');
 }
+
+constexpr int DECIMALS = 5;
 
 /// "LANE", a blank and a heading of 40 characters.
 void append_heading(std::string& text, std::string_view heading) {
@@ -61,9 +40,9 @@ void append_headings(std::string& text, const std::array<std::string_view, N>& h
 
 void append_distances(std::string& text, TABLE<real, NUMBER, LANE> distances, std::int32_t num_lane) {
   for (std::int32_t lane = 1; lane <= num_lane; ++lane) {
-    append_integer(text, lane, 3);
+    APPEND_INTEGER(text, lane, 3);
     for (const std::int32_t i : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 199, 200}) {
-      append_real(text, static_cast<double>(distances(i, lane)), 13);
+      APPEND_REAL(text, static_cast<double>(distances(i, lane)), 13, DECIMALS);
     }
     text.push_back('\n');
   }
@@ -72,16 +51,16 @@ void append_distances(std::string& text, TABLE<real, NUMBER, LANE> distances, st
 /// Ten integers a lane: a record, or the beginning of a range list.
 template <class DIMENSION>
 void append_rows(std::string& text, TABLE<std::int32_t, DIMENSION, LANE> table, std::int32_t num_lane,
-                 int width) {
+                 std::size_t width) {
   for (std::int32_t lane = 1; lane <= num_lane; ++lane) {
-    append_integer(text, lane, 3);
-    for (std::int32_t i = 1; i <= 10; ++i) append_integer(text, table(i, lane), width);
+    APPEND_INTEGER(text, lane, 3);
+    for (std::int32_t i = 1; i <= 10; ++i) APPEND_INTEGER(text, table(i, lane), width);
     text.push_back('\n');
   }
 }
 
-constexpr int RECORD_WIDTH = 18;
-constexpr int NUMBER_WIDTH = 8;
+constexpr std::size_t RECORD_WIDTH = 18;
+constexpr std::size_t NUMBER_WIDTH = 8;
 constexpr std::string_view SEQUENCE_HEADING = "| SEQUENTIAL NO. OF LOADED RANGE -->";
 
 }  // namespace
@@ -137,24 +116,20 @@ std::string DIAGNOSTIC_TEXT(const T_HOST_RECORDS& host, std::int32_t num_lane, d
   numbers("INFL_SB==K_MININFL_S2ND========================MINMINMINMIN=========================",
           low.K_INFL_SB[1]);
   title("======MAXIMUM========MINIMUM==========<FINAL>== ");
-  append_real(text, final_max, 15);
-  append_real(text, final_min, 15);
+  APPEND_REAL(text, final_max, 15, DECIMALS);
+  APPEND_REAL(text, final_min, 15, DECIMALS);
   text.push_back('\n');
   return text;
 }
 
 void WRITE_DIAGNOSTIC_FILE(const T_HOST_RECORDS& host, std::int32_t num_lane, double final_max,
-                           double final_min) {
-  std::string text;
+                           double final_min, DIAGNOSTIC_UNIT& unit) {
   try {
-    text = DIAGNOSTIC_TEXT(host, num_lane, final_max, final_min);
+    unit.WRITE(DIAGNOSTIC_TEXT(host, num_lane, final_max, final_min));
   } catch (const std::bad_alloc&) {
-    return;  // an aid for looking into a run must not fail it
+    // An aid for looking into a run must not fail it.
   }
-  std::FILE* file = std::fopen("fort.78", "wb");
-  if (file == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), file);
-  std::fclose(file);
+  unit.CLOSE();
 }
 
 }  // namespace kernel

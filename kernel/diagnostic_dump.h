@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "kernel/diagnostic_unit.h"
 #include "kernel/loading_records.h"
 
 namespace kernel {
@@ -14,9 +15,8 @@ namespace kernel {
 [[nodiscard]] std::string DIAGNOSTIC_TEXT(const T_HOST_RECORDS& host, std::int32_t num_lane, double final_max,
                                           double final_min);
 
-/// Writes the text to unit 78, the file "fort.78" in the working folder, replacing an older one, and closes
-/// it.
+/// Writes the text to unit 78, behind what stands there since it was last closed, and closes it.
 void WRITE_DIAGNOSTIC_FILE(const T_HOST_RECORDS& host, std::int32_t num_lane, double final_max,
-                           double final_min);
+                           double final_min, DIAGNOSTIC_UNIT& unit);
 
 }  // namespace kernel

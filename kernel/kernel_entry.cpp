@@ -71,7 +71,10 @@ STATUS RUN_KERNEL(const T_REQUEST& request, const T_HOST_RESULTS& host) {
   TRIM_RECORDS({model.LANES, model.VEHICLES, model.COUNTS.MAX_POINTS}, envelope, host.RECORDS);
   ADD_PASS_DIRECTION(envelope, host.RECORDS);
 #if MOVLOAD_DIAGNOSTIC_DUMP
-  WRITE_DIAGNOSTIC_FILE(host.RECORDS, model.COUNTS.NUM_LANE, *host.FINAL_MAX, *host.FINAL_MIN);
+  if (request.UNIT_78 != nullptr) {
+    WRITE_DIAGNOSTIC_FILE(host.RECORDS, model.COUNTS.NUM_LANE, *host.FINAL_MAX, *host.FINAL_MIN,
+                          *request.UNIT_78);
+  }
 #endif
   return {};
 }

@@ -28,7 +28,6 @@ void RECORD_FILE::CLOSE() noexcept {
   record_bytes_ = 0;
   window_start_ = 0;
   window_bytes_ = 0;
-  next_window_ = 0;
 }
 
 STATUS RECORD_FILE::READ(std::int64_t n, std::int64_t bytes, const std::byte*& record) {
@@ -47,10 +46,10 @@ STATUS RECORD_FILE::fill(std::int64_t offset, std::int64_t bytes) {
   if (offset + bytes > file_.SIZE()) return STATUS::FAILED(REASON::RECORD_CUT);
   const bool forward =
       window_bytes_ > 0 && offset >= window_start_ && offset <= window_start_ + window_bytes_;
-  next_window_ = forward ? std::min(2 * next_window_, LARGEST_WINDOW) : SMALLEST_WINDOW;
+  const std::int64_t window = forward ? std::min(2 * window_bytes_, LARGEST_WINDOW) : SMALLEST_WINDOW;
 
   // A record may be longer than the largest window; it has just been held against the size of the file.
-  const std::int64_t wanted = std::max(bytes, std::min(next_window_, file_.SIZE() - offset));
+  const std::int64_t wanted = std::max(bytes, std::min(window, file_.SIZE() - offset));
   if (wanted > buffer_bytes_) {
     window_bytes_ = 0;
     buffer_bytes_ = 0;

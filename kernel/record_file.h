@@ -67,7 +67,6 @@ class RECORD_FILE {
   std::int64_t buffer_bytes_ = 0;
   std::int64_t window_start_ = 0;
   std::int64_t window_bytes_ = 0;
-  std::int64_t next_window_ = 0;  // bytes to ask for while reading goes forward
 };
 
 }  // namespace kernel

@@ -18,6 +18,7 @@
 #include "common/real.h"
 #include "kernel/combinations.h"
 #include "kernel/control_blocks.h"
+#include "kernel/diagnostic_unit.h"
 #include "search/lane_ordinates.h"
 #include "search/vehicle_tables.h"
 
@@ -47,6 +48,7 @@ struct T_REQUEST {
   std::int32_t RESULT_ID = 0;
   std::int32_t RESULT_ITEM = 0;
   std::int32_t MV_CASE = 0;
+  DIAGNOSTIC_UNIT* UNIT_78 = nullptr;  // where a run leaves its diagnostic text; null: nowhere
 };
 
 /// The tables of a model. Filled by READ_MODEL and then left alone: several results may be worked out from
@@ -116,6 +118,7 @@ struct T_PATH {
 struct HOST_SETTINGS {
   T_PATH BASE_NAME;     // of the model's files
   T_PATH INCLUDE_PATH;  // base path of the included set that waits for an opening; empty: none
+  DIAGNOSTIC_UNIT UNIT_78;
 };
 
 }  // namespace kernel
