@@ -127,6 +127,12 @@ struct T_MODEL {
   // id, ids without a response written as zeros. reac and lrac carry their node number and may stand in any
   // order. ldisp runs in the order given, with NLAX entries (node, position) beside them.
   std::vector<T_RESPONSE> disp{}, ldisp{}, reac{}, lrac{}, simb{}, elnk{}, nlnk{};
+
+  // Responses of elements by their number, each with all values of a record of its family: trusses 2; beams
+  // 68, of which 48 are columns of the components that may jump; plates 8, 40, 14 or 70 by plate_form 1 to 4;
+  // walls 132, of which 48 are such columns and 24 belong to parts of components.
+  std::vector<T_RESPONSE> trusses{}, beams{}, plates{}, walls{};
+  std::int32_t elements_per_file = 1000;  // of every family
 };
 
 /// How the files are laid out. The defaults suit the library's usual reading.

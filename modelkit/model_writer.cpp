@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "modelkit/element_files.h"
+
 namespace modelkit {
 namespace {
 
@@ -23,7 +25,6 @@ constexpr std::int32_t FILE_KIND = 2;
 constexpr std::int32_t RESPONSE_ID = 5;  // block id of all responses; every other block has 0
 constexpr std::int32_t LIST_LENGTH = 100;
 constexpr std::int32_t SPREAD_PAIRS = 4;
-constexpr std::int32_t ELEMENTS_PER_FILE = 1000;
 // A lane that claims more transverse entries than this is damaged on purpose; its points aren't padded any
 // further.
 constexpr std::int32_t MOST_ENTRIES = 1000;
@@ -167,10 +168,10 @@ block_image counts_block(const T_MODEL& model) {
 }
 
 block_image element_counts_block(const T_MODEL& model, const T_FILE_FORM& form) {
-  constexpr int FAMILIES = 5;
   block_image block("MLDI", 0, form.short_mldi ? 17 : 18);
   block.record();
-  for (int family = 0; family < FAMILIES; ++family) block.put(0).put(ELEMENTS_PER_FILE).skip(1);
+  for (const T_ELEMENT_FAMILY& family : ELEMENT_FAMILIES(model))
+    block.put(family.COUNT()).put(model.elements_per_file).skip(1);
   block.put(model.n_dof == 7 ? 1 : 0);
   return block;
 }
@@ -577,6 +578,7 @@ T_FILE_LAYOUT WRITE_MODEL(const T_MODEL& model, const std::string& base_name, co
     std::ranges::copy(images[i].data,
                       file.begin() + static_cast<std::ptrdiff_t>(layout.blocks[i].OFFSET(1) / 4));
   write_file(layout.path, file);
+  WRITE_ELEMENT_FILES(model, layout.path);
   layout.size = 4 * end;
   return layout;
 }

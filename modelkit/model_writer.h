@@ -1,4 +1,5 @@
-// Writes a T_MODEL as the block directory file that the library reads.
+// Writes a T_MODEL as the block directory file that the library reads, and its element files
+// (element_files.h) beside it.
 //
 // The file starts with a directory, groups of a header and 20 entries, which names each block by a
 // 4-character tag and an id and tells its first and last record and its record length. Every block starts on
@@ -49,8 +50,9 @@ struct T_FILE_LAYOUT {
 /// Extension of the block directory file, with its dot. Throws std::runtime_error for an unknown code.
 std::string FILE_EXTENSION(std::int32_t analysis_code);
 
-/// Writes `base_name` plus the extension of form.analysis_code, replacing an older file, and tells what lies
-/// where. Throws std::runtime_error, with the file's name in the text, if the file can't be written.
+/// Writes `base_name` plus the extension of form.analysis_code and the element files, replacing older files,
+/// and tells what lies where. Throws std::runtime_error, with the file's name in the text, if a file can't be
+/// written.
 T_FILE_LAYOUT WRITE_MODEL(const T_MODEL& model, const std::string& base_name, const T_FILE_FORM& form = {});
 
 /// Overwrites one word of a written file, addressed as in T_WRITTEN_BLOCK::OFFSET. A real goes through
