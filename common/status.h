@@ -34,9 +34,11 @@ enum class REASON : std::uint8_t {
 
 struct [[nodiscard]] STATUS {
   REASON reason = REASON::NONE;
-  std::array<char, 4> block{};  // tag of the block, zeros where none is concerned
-  const char* item = "";        // name of the field; static storage
-  std::int64_t record = 0;      // in the block, from 1; 0 where none is concerned
+  std::array<char, 4> block{};         // tag of the block, zeros where none is concerned
+  std::array<char, 2> element_file{};  // letter and number that an element file's name has behind that of the
+                                       // directory file; zeros where the failure doesn't lie in one
+  const char* item = "";               // name of the field; static storage
+  std::int64_t record = 0;             // in the block or element file, from 1; 0 where none is concerned
   std::int64_t value = 0;
   std::int64_t low = 0;
   std::int64_t high = 0;
@@ -54,6 +56,14 @@ struct [[nodiscard]] STATUS {
   STATUS IN(std::string_view tag, std::int64_t record_number = 0) const noexcept {
     STATUS status = *this;
     for (std::size_t i = 0; i < status.block.size() && i < tag.size(); ++i) status.block[i] = tag[i];
+    status.record = record_number;
+    return status;
+  }
+
+  /// The same failure, told to lie in an element file.
+  STATUS IN(const std::array<char, 2>& file, std::int64_t record_number) const noexcept {
+    STATUS status = *this;
+    status.element_file = file;
     status.record = record_number;
     return status;
   }

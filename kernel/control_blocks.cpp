@@ -87,7 +87,7 @@ STATUS read_mldi(RECORD_FILE& unit, const std::string& file_name, T_COUNTS& coun
   WORDS words;
   const std::int64_t length = block.REC_WORDS() == SHORT_FORM ? SHORT_FORM : SHORT_FORM + 1;
   if (STATUS status = words.READ(block, length); !status.OK()) return status;
-  for (std::size_t family = 0; family < N_FAMILIES; ++family) {
+  for (std::size_t family = 0; family < ELEMENT_FAMILIES.size(); ++family) {
     counts.ELEM_PER_FILE[family] = words(static_cast<std::int64_t>(3 * family + 1));
   }
   counts.N_DOF = words(15) == 1 ? 7 : 6;

@@ -33,6 +33,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/status.h"
@@ -40,8 +41,7 @@
 
 namespace kernel {
 
-enum class FAMILY : std::uint8_t { T, B, P, S, W };
-inline constexpr std::size_t N_FAMILIES = 5;
+inline constexpr std::string_view ELEMENT_FAMILIES = "TBPSW";  // in the order of MLDI
 
 /// The counts of a model, held against each other and against 0 when they are read.
 struct T_COUNTS {
@@ -61,9 +61,9 @@ struct T_COUNTS {
   std::int32_t MAX_TRANSVERSE = 0;
   std::int32_t CLASS_LANES = 0;  // 1: lane definitions of classes are read; 0: repeated points are dropped
   bool KEEP_POINTS = false;
-  std::vector<std::int32_t> N_COMBINATION;               // by moving load case
-  std::array<std::int32_t, N_FAMILIES> ELEM_PER_FILE{};  // by FAMILY
-  std::int32_t N_DOF = 6;                                // degrees of freedom of a node, 6 or 7
+  std::vector<std::int32_t> N_COMBINATION;  // by moving load case
+  std::array<std::int32_t, ELEMENT_FAMILIES.size()> ELEM_PER_FILE{};
+  std::int32_t N_DOF = 6;  // degrees of freedom of a node, 6 or 7
 };
 
 /// MVIF and MLDI.

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "kernel/input_blocks.h"
-#include "results/result_members.h"
 
 namespace kernel {
 
@@ -46,8 +45,10 @@ STATUS READ_MODEL(RECORD_FILE& unit, const T_REQUEST& request, std::int32_t host
 STATUS RUN_LANE_ANALYSIS(const T_MODEL& model, const T_REQUEST& request, RECORD_FILE& unit,
                          T_ENVELOPE& envelope) {
   if (request.RESULT_KIND == RK_LRAC && model.COUNTS.N_LOCAL_REACTION == 0) return {};
-  const results::T_FAMILY* family = results::FIND_FAMILY(request.RESULT_KIND);
-  return family == nullptr ? STATUS{} : results::RUN_FAMILY(*family, model, request, unit, envelope);
+  const bool is_wall = request.RESULT_KIND == RK_WALL;
+  const results::T_COMPONENT component =
+      is_wall ? SPLIT_WALL_ITEM(request.RESULT_ITEM) : results::T_COMPONENT{request.RESULT_ITEM, 0};
+  return results::RUN_FAMILY(model, request, component, unit, envelope);
 }
 
 std::int32_t ITEM_MAP(std::int32_t result_item) {
@@ -76,7 +77,7 @@ std::int32_t ITEM_MAP(std::int32_t result_item) {
   return 0;
 }
 
-T_WALL_ITEM SPLIT_WALL_ITEM(std::int32_t result_item) {
+results::T_COMPONENT SPLIT_WALL_ITEM(std::int32_t result_item) {
   constexpr std::int32_t FIRST_PART = 31;
   constexpr std::int32_t LAST_PART = 45;
   constexpr std::array<std::int32_t, 5> COMPONENTS_WITH_PARTS{4, 10, 16, 22, 28};

@@ -7,6 +7,7 @@
 #include "kernel/combinations.h"
 #include "kernel/record_file.h"
 #include "kernel/run_state.h"
+#include "results/result_members.h"
 
 namespace kernel {
 
@@ -25,12 +26,8 @@ STATUS RUN_LANE_ANALYSIS(const T_MODEL& model, const T_REQUEST& request, RECORD_
 /// The components of RK_WALL from 1 to 105, in the order in which the element files hold them. 0 outside.
 [[nodiscard]] std::int32_t ITEM_MAP(std::int32_t result_item);
 
-/// A wall item as the result routine takes it: five components have three parts each, numbered 31 to 45.
-struct T_WALL_ITEM {
-  std::int32_t ITEM = 0;
-  std::int32_t ITEM_PART = 0;  // 1 to 3, 0 no parts
-};
-[[nodiscard]] T_WALL_ITEM SPLIT_WALL_ITEM(std::int32_t result_item);
+/// A wall item as the result routines take it: the numbers 31 to 45 are three parts each of five components.
+[[nodiscard]] results::T_COMPONENT SPLIT_WALL_ITEM(std::int32_t result_item);
 
 /// Components whose influence lines may jump: the result routine then keeps repeated points.
 [[nodiscard]] bool IS_SECTION_ITEM(std::int32_t result_kind, std::int32_t result_item);

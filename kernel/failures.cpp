@@ -91,7 +91,8 @@ void FAILURE_TEXT(const STATUS& status, std::string_view file_name, char* text, 
     if (written > 0) used = std::min(room - 1, used + static_cast<std::size_t>(written));
   };
   if (!file_name.empty()) {
-    append(std::snprintf(text, room, "%.*s: ", static_cast<int>(file_name.size()), file_name.data()));
+    append(std::snprintf(text, room, "%.*s%.2s: ", static_cast<int>(file_name.size()), file_name.data(),
+                         status.element_file.data()));
   }
   if (status.block[0] != '\0') {
     append(std::snprintf(text + used, room - used, "block %.4s: ", status.block.data()));

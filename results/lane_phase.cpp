@@ -116,12 +116,13 @@ struct T_LANE_WORK {
 class LANE_SEARCH {
  public:
   LANE_SEARCH(const kernel::T_MODEL& model, std::int32_t lane, const search::T_LOAD_ORD& LOAD_ORD,
-              ROW_LAYOUT layout, T_LANE_WORK& work)
+              ROW_LAYOUT layout, const T_SET_LISTING* listing, T_LANE_WORK& work)
       : model_(model),
         number_(lane),
         lane_(model.LANE(lane)),
         LOAD_ORD_(LOAD_ORD),
         layout_(layout),
+        listing_(listing),
         work_(work) {}
 
   void BUILD_ORDINATES() {
@@ -214,7 +215,22 @@ class LANE_SEARCH {
 
   /// The ordinate sets of a class whose axles run on other lanes too; the lane's own is the first.
   void fill_sets(std::int32_t veh_class, const search::T_CLASS_DEFINITION* definition) {
-    search::T_PLANE_SETS& sets = work_.MULTI_ORD;
+    size_sets(work_.MULTI_ORD);
+    if (definition == nullptr) {
+      work_.MULTI_ORD.front() = work_.LANE_ORD;
+      search::OTHER_LANE_ORDINATES(model_.LANES, sequence_, LOAD_ORD_, lane_.IS_STRADDLE, drops_repeats(),
+                                   work_.MULTI_ORD);
+      return;
+    }
+    fill_class_sets(veh_class, *definition, LOAD_ORD_, work_.MULTI_ORD);
+    if (listing_ == nullptr || !lane_.IS_STRADDLE) return;
+    search::T_PLANE_SETS listed;
+    size_sets(listed);
+    fill_class_sets(veh_class, *definition, listing_->LOAD_ORD, listed);
+    WRITE_SET_LIST(listed, work_.X(), *listing_->UNIT_78);
+  }
+
+  void size_sets(search::T_PLANE_SETS& sets) const {
     sets.resize(sequence_.LANES.size());
     for (std::size_t set = 0; set < sets.size(); ++set) {
       // Another lane's set is filled at its own points and read at this lane's.
@@ -222,18 +238,16 @@ class LANE_SEARCH {
           std::max(lane_.LANE_STATIONS, model_.LANE(sequence_.LANES[set]).LANE_STATIONS);
       size_planes(planes(), points, work_.COLUMNS, sets[set]);
     }
-    if (definition == nullptr) {
-      sets.front() = work_.LANE_ORD;
-      search::OTHER_LANE_ORDINATES(model_.LANES, sequence_, LOAD_ORD_, lane_.IS_STRADDLE, drops_repeats(),
-                                   sets);
-      return;
-    }
+  }
+
+  void fill_class_sets(std::int32_t veh_class, const search::T_CLASS_DEFINITION& definition,
+                       const search::T_LOAD_ORD& LOAD_ORD, search::T_PLANE_SETS& sets) const {
     if (lane_.IS_STRADDLE) {
-      search::CLASS_PLANES(*definition, lane_.LANE_STATIONS, LOAD_ORD_, sets.front());
+      search::CLASS_PLANES(definition, lane_.LANE_STATIONS, LOAD_ORD, sets.front());
     } else {
-      search::CLASS_ORDINATES(*definition, lane_.LANE_STATIONS, LOAD_ORD_, sets.front().front());
+      search::CLASS_ORDINATES(definition, lane_.LANE_STATIONS, LOAD_ORD, sets.front().front());
     }
-    search::OTHER_LANE_CLASS_ORDINATES(model_.LANES, sequence_, LOAD_ORD_, lane_.IS_STRADDLE,
+    search::OTHER_LANE_CLASS_ORDINATES(model_.LANES, sequence_, LOAD_ORD, lane_.IS_STRADDLE,
                                        model_.CLASS_DEFINITIONS, veh_class, sets);
   }
 
@@ -280,6 +294,7 @@ class LANE_SEARCH {
   const search::T_LANE& lane_;
   const search::T_LOAD_ORD& LOAD_ORD_;
   const ROW_LAYOUT layout_;
+  const T_SET_LISTING* const listing_;
   T_LANE_WORK& work_;
   std::array<search::T_RANGE_DISTANCES, N_SIDES> distances_;
   std::array<std::int32_t, N_SIDES> kel_points_{};
@@ -290,14 +305,14 @@ class LANE_SEARCH {
 }  // namespace
 
 T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, const search::T_LOAD_ORD& LOAD_ORD,
-                            ROW_LAYOUT layout) {
+                            ROW_LAYOUT layout, const T_SET_LISTING* listing) {
   T_LANE_PHASE phase;
   phase.LAYOUT = layout;
   T_LANE_WORK work;
   work.COLUMNS = LOAD_ORD.COLUMNS;
   phase.LANES.reserve(model.LANES.size());
   for (std::int32_t lane = 1; lane <= model.COUNTS.NUM_LANE; ++lane) {
-    LANE_SEARCH lane_search(model, lane, LOAD_ORD, layout, work);
+    LANE_SEARCH lane_search(model, lane, LOAD_ORD, layout, listing, work);
     lane_search.BUILD_ORDINATES();
     if (!model.LANE(lane).IS_STRADDLE) {
       const auto& distances = lane_search.FIND_DISTANCES();

@@ -5,43 +5,110 @@
 
 #include "kernel/block_file.h"
 #include "kernel/input_blocks.h"
+#include "results/element_files.h"
 
 namespace results {
 namespace {
 
 using kernel::T_COUNTS;
 
-// RESULT_DISP, RESULT_REAC, RESULT_LRAC, RESULT_SIMB and RESULT_LINK, by kind of result.
-constexpr std::array<T_FAMILY, 7> FAMILY_TABLE{{
-    {kernel::RK_DISP, "DISP", FIND_RUN::BY_ID, 0, 0, ROW_LAYOUT::SIMPLE, nullptr},
-    {kernel::RK_LDSP, "LDSP", FIND_RUN::BY_LOCAL_AXES, 0, 0, ROW_LAYOUT::SIMPLE, nullptr},
-    {kernel::RK_REAC, "REAC", FIND_RUN::BY_NODE_NUMBER, 1, 0, ROW_LAYOUT::SIMPLE, &T_COUNTS::N_REAC_NODE},
-    {kernel::RK_LRAC, "LRAC", FIND_RUN::BY_NODE_NUMBER, 1, 0, ROW_LAYOUT::SIMPLE,
-     &T_COUNTS::N_LOCAL_REACTION},
-    {kernel::RK_SIMB, "SIMB", FIND_RUN::BY_ID, 0, 12, ROW_LAYOUT::SIMPLE, nullptr},
-    {kernel::RK_ELNK, "ELNK", FIND_RUN::BY_ID, 3, 12, ROW_LAYOUT::SIMPLE, nullptr},
-    {kernel::RK_NLNK, "NLNK", FIND_RUN::BY_ID, 3, 12, ROW_LAYOUT::SIMPLE, nullptr},
+// clang-format off
+constexpr std::array<T_FAMILY, 13> FAMILY_TABLE{{
+    // RESULT_DISP, RESULT_REAC, RESULT_LRAC, RESULT_SIMB and RESULT_LINK
+    {kernel::RK_DISP, FIND_RUN::BY_ID, "DISP", 0, OF_NODE},
+    {kernel::RK_LDSP, FIND_RUN::BY_LOCAL_AXES, "LDSP", 0, OF_NODE},
+    {kernel::RK_REAC, FIND_RUN::BY_NODE_NUMBER, "REAC", 1, OF_NODE, &T_COUNTS::N_REAC_NODE},
+    {kernel::RK_LRAC, FIND_RUN::BY_NODE_NUMBER, "LRAC", 1, OF_NODE, &T_COUNTS::N_LOCAL_REACTION},
+    {kernel::RK_SIMB, FIND_RUN::BY_ID, "SIMB", 0, 12},
+    {kernel::RK_ELNK, FIND_RUN::BY_ID, "ELNK", 3, 12},
+    {kernel::RK_NLNK, FIND_RUN::BY_ID, "NLNK", 3, 12},
+    // RESULT_TRUSS, RESULT_PLATE, RESULT_BEAM, RESULT_BEAM_EXTRA, RESULT_WALL and RESULT_WALL_EXTRA
+    {kernel::RK_TRUSS, FIND_RUN::IN_ELEMENT_FILE, "T", 1, 2},
+    {kernel::RK_PLATE, FIND_RUN::IN_ELEMENT_FILE, "P", 5, OF_PLATE},
+    {kernel::RK_BEAM, FIND_RUN::IN_ELEMENT_FILE, "B", 1, 30, nullptr, 0, 69, ROW_LAYOUT::JUMP},
+    {kernel::RK_BEAM, FIND_RUN::IN_ELEMENT_FILE, "B", 49, 20, nullptr, 30},
+    {kernel::RK_WALL, FIND_RUN::IN_ELEMENT_FILE, "W", 1, 30, nullptr, 0, 133, ROW_LAYOUT::JUMP},
+    {kernel::RK_WALL, FIND_RUN::IN_ELEMENT_FILE, "W", 73, 60, nullptr, 45},
 }};
+// clang-format on
 
+constexpr std::array<std::int32_t, 4> PLATE_COMPONENTS{8, 40, 14, 70};  // by PLATE_FORM, from 1
 constexpr std::int32_t RESULT_BLOCK_ID = 5;
 constexpr std::int64_t WORD_BYTES = 4;
 
 std::int32_t components_of(const T_FAMILY& family, const T_COUNTS& counts) {
-  return family.COMPONENTS > 0 ? family.COMPONENTS : counts.N_DOF;
+  if (family.COMPONENTS == OF_NODE) return counts.N_DOF;
+  if (family.COMPONENTS != OF_PLATE) return family.COMPONENTS;
+  return PLATE_COMPONENTS[static_cast<std::size_t>(counts.PLATE_FORM - 1)];
+}
+
+/// The row that serves a component; null for a kind that has no routine. Fails where the kind has no such
+/// component, and for plates of no known form.
+STATUS find_row(const T_COUNTS& counts, const kernel::T_REQUEST& request, const T_COMPONENT& component,
+                const T_FAMILY*& family) {
+  if (request.RESULT_KIND == kernel::RK_PLATE) {
+    const STATUS status =
+        CHECK_BOUNDS("PLATE_FORM", counts.PLATE_FORM, 1, std::int64_t{PLATE_COMPONENTS.size()});
+    if (!status.OK()) return status.IN("MVIF", 1);
+  }
+  std::int32_t items = 0;  // of the kind
+  for (const T_FAMILY& row : FAMILY_TABLE) {
+    if (row.RESULT_KIND != request.RESULT_KIND) continue;
+    items = row.ITEMS_BEFORE + components_of(row, counts);
+    if (component.ITEM > row.ITEMS_BEFORE && component.ITEM <= items) family = &row;
+  }
+  if (family != nullptr || items == 0) return {};
+  return CHECK_BOUNDS("RESULT_ITEM", request.RESULT_ITEM, 1, items);
+}
+
+/// What is read of a record: so many words of it, and of these so many columns of the component in hand, from
+/// a word (from 0) on.
+struct T_WANTED {
+  std::int32_t RECORD_WORDS;
+  std::int32_t FIRST_WORD;
+  std::int32_t COLUMNS;
+};
+
+/// Where the line may jump, the components 1 to 6 have one column each, 7 to 24 two, the value before a point
+/// and the value after it, and 25 to 30 one again. The parts of a component have columns of their own behind
+/// these 48.
+T_WANTED wanted_of(const T_FAMILY& family, const T_COUNTS& counts, const T_COMPONENT& component) {
+  const std::int32_t c = component.ITEM - family.ITEMS_BEFORE;
+  std::int32_t column = c;
+  std::int32_t columns = 1;
+  if (family.LAYOUT == ROW_LAYOUT::JUMP && c > 24) {
+    column = c + 18;
+  } else if (family.LAYOUT == ROW_LAYOUT::JUMP && c > 6) {
+    column = 2 * c - 7;
+    columns = 2;
+  }
+  if (component.ITEM_PART > 0) {
+    constexpr std::array<std::int32_t, 5> FIRST_PARTS{49, 52, 58, 64, 70};  // of components 4, 10, 16, 22, 28
+    column = FIRST_PARTS[static_cast<std::size_t>((c - 4) / 6)] + (component.ITEM_PART - 1) * columns;
+  }
+  const std::int32_t words = family.WORDS_SKIPPED + components_of(family, counts);
+  return {std::max(words, family.RECORD_WORDS), family.WORDS_SKIPPED + column - 1, columns};
 }
 
 float word(const std::byte* record, std::int64_t index) {
   return kernel::UNPACK(record + index * WORD_BYTES).NEXT<float>();
 }
 
+/// Row k of the ordinates out of the record of unit load k.
+void take_row(const std::byte* record, const T_WANTED& wanted, std::int64_t k, search::T_LOAD_ORD& LOAD_ORD) {
+  for (std::int32_t column = 1; column <= wanted.COLUMNS; ++column) {
+    LOAD_ORD.VALUES(column, k) = word(record, wanted.FIRST_WORD + column - 1);
+  }
+}
+
 /// The ordinates of one result point out of the block of its family.
 class LOAD_ORD_READER {
  public:
-  LOAD_ORD_READER(const T_FAMILY& family, const T_COUNTS& counts, std::int32_t item,
-                  kernel::BLOCK_READER& block, search::T_LOAD_ORD& LOAD_ORD)
-      : loads_(counts.N_UNIT_LOAD),
-        bytes_(WORD_BYTES * (family.WORDS_SKIPPED + components_of(family, counts))),
-        column_word_(family.WORDS_SKIPPED + item - 1),
+  LOAD_ORD_READER(std::int32_t loads, const T_WANTED& wanted, kernel::BLOCK_READER& block,
+                  search::T_LOAD_ORD& LOAD_ORD)
+      : loads_(loads),
+        bytes_(WORD_BYTES * wanted.RECORD_WORDS),
+        wanted_(wanted),
         block_(block),
         LOAD_ORD_(LOAD_ORD) {}
 
@@ -78,29 +145,30 @@ class LOAD_ORD_READER {
   template <class IS_WANTED>
   STATUS read_rows(std::int64_t p, IS_WANTED is_wanted) {
     if (STATUS status = block_.CHECK_ROOM(first_record(p), loads_, bytes_); !status.OK()) return status;
-    LOAD_ORD_.VALUES.RESIZE(1, loads_);
+    LOAD_ORD_.VALUES.RESIZE(wanted_.COLUMNS, loads_);
     found_to_the_end_ = false;
     for (std::int64_t k = 1; k <= loads_; ++k) {
       const std::byte* record = nullptr;
       if (STATUS status = block_.READ(first_record(p) + k - 1, bytes_, record); !status.OK()) return status;
       if (!is_wanted(record)) return {};
-      LOAD_ORD_.VALUES(1, k) = word(record, column_word_);
+      take_row(record, wanted_, k, LOAD_ORD_);
     }
     found_to_the_end_ = true;
     return {};
   }
 
   const std::int64_t loads_;
-  const std::int64_t bytes_;        // read of a record
-  const std::int64_t column_word_;  // of the component in hand, from 0
+  const std::int64_t bytes_;  // read of a record
+  const T_WANTED wanted_;
   kernel::BLOCK_READER& block_;
   search::T_LOAD_ORD& LOAD_ORD_;
   bool found_to_the_end_ = false;
 };
 
-/// Fetches the ordinates of a result point. `nothing_to_search` is set where the routine returns at once.
-STATUS fetch(const T_FAMILY& family, const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
-             kernel::RECORD_FILE& unit, search::T_LOAD_ORD& LOAD_ORD, bool& nothing_to_search) {
+/// `nothing_to_search` is set where the routine returns at once.
+STATUS fetch_from_block(const T_FAMILY& family, const kernel::T_MODEL& model,
+                        const kernel::T_REQUEST& request, const T_WANTED& wanted, kernel::RECORD_FILE& unit,
+                        search::T_LOAD_ORD& LOAD_ORD, bool& nothing_to_search) {
   std::int32_t run = request.RESULT_ID;
   if (family.FINDING == FIND_RUN::BY_LOCAL_AXES) {
     STATUS status = kernel::LOCAL_AXES_POSITION(unit, request.FILE_NAME, model.COUNTS.N_UNIT_LOAD, run, run);
@@ -111,10 +179,43 @@ STATUS fetch(const T_FAMILY& family, const kernel::T_MODEL& model, const kernel:
   kernel::BLOCK_READER block;
   STATUS status = block.OPEN_MANDATORY(unit, request.FILE_NAME, family.TAG, RESULT_BLOCK_ID);
   if (!status.OK()) return status;
-  LOAD_ORD_READER reader(family, model.COUNTS, request.RESULT_ITEM, block, LOAD_ORD);
+  LOAD_ORD_READER reader(model.COUNTS.N_UNIT_LOAD, wanted, block, LOAD_ORD);
   return family.FINDING == FIND_RUN::BY_NODE_NUMBER
              ? reader.FIND_NODE(request.RESULT_ID, model.COUNTS.*family.NODES)
              : reader.READ_RUN(run);
+}
+
+STATUS fetch_from_element_file(const T_FAMILY& family, const kernel::T_MODEL& model,
+                               const kernel::T_REQUEST& request, const T_WANTED& wanted,
+                               search::T_LOAD_ORD& LOAD_ORD) {
+  ELEMENT_READER reader;
+  STATUS status = reader.OPEN(request.FILE_NAME, model.COUNTS, family.TAG.front(), request.RESULT_ID,
+                              wanted.RECORD_WORDS);
+  if (!status.OK()) return status;
+  LOAD_ORD.VALUES.RESIZE(wanted.COLUMNS, model.COUNTS.N_UNIT_LOAD);
+  for (std::int64_t k = 1; k <= model.COUNTS.N_UNIT_LOAD; ++k) {
+    const std::byte* record = nullptr;
+    if (status = reader.READ_ELEMENT_RECORD(k, record); !status.OK()) return status;
+    take_row(record, wanted, k, LOAD_ORD);
+  }
+  return {};
+}
+
+/// Fetches the ordinates of a component.
+STATUS fetch(const T_FAMILY& family, const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
+             const T_COMPONENT& component, kernel::RECORD_FILE& unit, search::T_LOAD_ORD& LOAD_ORD,
+             bool& nothing_to_search) {
+  const T_WANTED wanted = wanted_of(family, model.COUNTS, component);
+  LOAD_ORD.COLUMNS = wanted.COLUMNS;
+  return family.FINDING == FIND_RUN::IN_ELEMENT_FILE
+             ? fetch_from_element_file(family, model, request, wanted, LOAD_ORD)
+             : fetch_from_block(family, model, request, wanted, unit, LOAD_ORD, nothing_to_search);
+}
+
+/// RESULT_TRUSS alone lists ordinate sets, those of the classes with definitions and axle lists.
+bool lists_sets(const kernel::T_MODEL& model, const kernel::T_REQUEST& request) {
+  return request.RESULT_KIND == kernel::RK_TRUSS && request.UNIT_78 != nullptr && model.HAS_CLASS_LANES() &&
+         model.AXLE_LANES.EXISTS();
 }
 
 }  // namespace
@@ -126,16 +227,23 @@ const T_FAMILY* FIND_FAMILY(std::int32_t result_kind) {
   return row == FAMILY_TABLE.end() ? nullptr : &*row;
 }
 
-STATUS RUN_FAMILY(const T_FAMILY& family, const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
-                  kernel::RECORD_FILE& unit, kernel::T_ENVELOPE& envelope) {
-  const std::int32_t components = components_of(family, model.COUNTS);
-  if (STATUS status = CHECK_BOUNDS("RESULT_ITEM", request.RESULT_ITEM, 1, components); !status.OK())
-    return status;
+STATUS RUN_FAMILY(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
+                  const T_COMPONENT& component, kernel::RECORD_FILE& unit, kernel::T_ENVELOPE& envelope) {
+  const T_FAMILY* family = nullptr;
+  STATUS status = find_row(model.COUNTS, request, component, family);
+  if (!status.OK() || family == nullptr) return status;
   search::T_LOAD_ORD LOAD_ORD;
   bool nothing_to_search = false;
-  STATUS status = fetch(family, model, request, unit, LOAD_ORD, nothing_to_search);
+  status = fetch(*family, model, request, component, unit, LOAD_ORD, nothing_to_search);
   if (!status.OK() || nothing_to_search) return status;
-  const T_LANE_PHASE lane_phase = RUN_LANE_PHASE(model, LOAD_ORD, family.LAYOUT);
+
+  const bool lists = lists_sets(model, request);
+  T_SET_LISTING listing{request.UNIT_78, {}};
+  if (lists) {
+    status = fetch(*family, model, request, {1, 0}, unit, listing.LOAD_ORD, nothing_to_search);
+    if (!status.OK()) return status;
+  }
+  const T_LANE_PHASE lane_phase = RUN_LANE_PHASE(model, LOAD_ORD, family->LAYOUT, lists ? &listing : nullptr);
   return RUN_COMBINATION_PHASE(model, lane_phase, request.MV_CASE, envelope);
 }
 

@@ -13,6 +13,7 @@
 
 #include "common/status.h"
 #include "kernel/run_state.h"
+#include "results/set_list.h"
 #include "search/lane_ordinates.h"
 #include "search/search_result.h"
 
@@ -44,9 +45,10 @@ struct T_LANE_PHASE {
                                            std::int32_t sub_case) const;
 };
 
-/// Searches all lanes for the response of one result point and component.
+/// Searches all lanes for the response of one result point and component. Lists what `listing` asks for;
+/// null: nothing.
 T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, const search::T_LOAD_ORD& LOAD_ORD,
-                            ROW_LAYOUT layout);
+                            ROW_LAYOUT layout, const T_SET_LISTING* listing = nullptr);
 
 /// Adds the lanes over the combinations of a moving load case. Both bests begin at 0 and comparisons are
 /// strict, so that of equal combinations the first stays and a side that nothing governs keeps empty records.
