@@ -80,7 +80,7 @@ void lane_phase(benchmark::State& state) {
   for (std::int32_t k = 1; k <= model.COUNTS.N_UNIT_LOAD; ++k)
     LOAD_ORD.VALUES(1, k) = static_cast<real>(k % 700 - 200);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(results::RUN_LANE_PHASE(model, LOAD_ORD, results::ROW_LAYOUT::SIMPLE));
+    benchmark::DoNotOptimize(results::RUN_LANE_PHASE(model, 1, LOAD_ORD, results::ROW_LAYOUT::SIMPLE));
   }
 }
 BENCHMARK(lane_phase)->Unit(benchmark::kMillisecond);
@@ -104,7 +104,7 @@ void combination_phase(benchmark::State& state) {
   for (std::int32_t k = 1; k <= model.COUNTS.N_UNIT_LOAD; ++k)
     LOAD_ORD.VALUES(1, k) = static_cast<real>(k % 700 - 200);
   const results::T_LANE_PHASE lane_phase =
-      results::RUN_LANE_PHASE(model, LOAD_ORD, results::ROW_LAYOUT::SIMPLE);
+      results::RUN_LANE_PHASE(model, 1, LOAD_ORD, results::ROW_LAYOUT::SIMPLE);
   for (auto _ : state) {
     kernel::T_ENVELOPE envelope(model.COUNTS.NUM_LANE);
     must(results::RUN_COMBINATION_PHASE(model, lane_phase, 1, envelope));

@@ -69,7 +69,14 @@ class T_COMBINATIONS::T_CODE_USE {
         usual_(static_cast<std::size_t>(num_lane) * book.USUAL_CODES()),
         lanes_(static_cast<std::size_t>(num_lane)) {}
 
-  void NOTE(std::size_t lane, std::int32_t code, bool scaled) {
+  /// Entries noted from here on are of the case that `loaded` belongs to.
+  void BEGIN_CASE(std::vector<std::uint8_t>& loaded) {
+    loaded.assign(lanes_.size() * book_.SLOT_CODES(), 0);
+    loaded_ = loaded.data();
+  }
+
+  void NOTE(std::size_t lane, std::int32_t code, T_SLOT_CODE slot_code, bool scaled) {
+    loaded_[lane * book_.SLOT_CODES() + slot_code] |= scaled ? 1 : 0;
     const auto at = static_cast<std::size_t>(code);
     if (at < book_.USUAL_CODES()) {
       usual_[lane * book_.USUAL_CODES() + at] |= scaled ? NAMED | SCALED : NAMED;
@@ -100,6 +107,7 @@ class T_COMBINATIONS::T_CODE_USE {
   const T_CODE_BOOK& book_;
   std::vector<std::uint8_t> usual_;  // by lane, then code
   std::vector<T_LANE_VEHICLES> lanes_;
+  std::uint8_t* loaded_ = nullptr;  // of the case in hand
 };
 
 void T_COMBINATIONS::MEMORY_FREE::operator()(void* memory) const noexcept {
@@ -123,7 +131,7 @@ STATUS T_COMBINATIONS::LOAD(RECORD_FILE& unit, const std::string& file_name, std
   cases_.clear();
   for (const std::int32_t count : counts) {
     ++record;
-    cases_.push_back({rows, record + 1, count});
+    cases_.push_back({rows, record + 1, count, {}});
     if (STATUS status = block.CHECK_ROOM(record + 1, count, row_bytes); !status.OK()) return status;
     rows += count;
     record += count;
@@ -142,7 +150,8 @@ STATUS T_COMBINATIONS::LOAD(RECORD_FILE& unit, const std::string& file_name, std
     row_codes.resize(static_cast<std::size_t>(lanes));
     row_scales.resize(static_cast<std::size_t>(lanes));
   }
-  for (const T_CASE& mv_case : cases_) {
+  for (T_CASE& mv_case : cases_) {
+    use.BEGIN_CASE(mv_case.LOADED);
     for (std::int64_t c = 0; c < mv_case.COUNT; ++c) {
       const std::int64_t at = (mv_case.FIRST_ROW + c) * lanes;
       T_SLOT_CODE* codes = on_disk_ ? row_codes.data() : codes_.get() + at;
@@ -172,17 +181,26 @@ STATUS T_COMBINATIONS::read_row(BLOCK_READER& block, std::int64_t record, T_SLOT
     const auto at = static_cast<std::size_t>(code);
     codes[lane] = at < book_.USUAL_CODES() ? book_.USUAL_SLOT_CODE(at) : book_.MEANING(code).SLOT_CODE;
     scales[lane] = static_cast<real>(scale_items.NEXT<double>());
-    if (use != nullptr) use->NOTE(lane, code, scales[lane] != 0);
+    if (use != nullptr) use->NOTE(lane, code, codes[lane], scales[lane] != 0);
   }
   return {};
 }
 
+const T_COMBINATIONS::T_CASE* T_COMBINATIONS::find(std::int32_t mv_case) const {
+  const bool exists = mv_case >= 1 && static_cast<std::size_t>(mv_case) <= cases_.size();
+  return exists ? &cases_[static_cast<std::size_t>(mv_case - 1)] : nullptr;
+}
+
+bool T_COMBINATIONS::LOADS(std::int32_t mv_case, std::int32_t lane, T_SLOT_CODE code) const {
+  const T_CASE* its_case = find(mv_case);
+  return its_case != nullptr &&
+         its_case->LOADED[static_cast<std::size_t>(lane - 1) * book_.SLOT_CODES() + code] != 0;
+}
+
 STATUS T_COMBINATION_CURSOR::BEGIN(std::int32_t mv_case) {
-  case_ = {};
+  case_ = combinations_.find(mv_case);
   done_ = 0;
-  if (mv_case < 1 || static_cast<std::size_t>(mv_case) > combinations_.cases_.size()) return {};
-  case_ = combinations_.cases_[static_cast<std::size_t>(mv_case - 1)];
-  if (!combinations_.on_disk_ || case_.COUNT == 0) return {};
+  if (!combinations_.on_disk_ || COUNT() == 0) return {};
   row_codes_.resize(static_cast<std::size_t>(combinations_.num_lane_));
   row_scales_.resize(static_cast<std::size_t>(combinations_.num_lane_));
   return block_.OPEN_MANDATORY(unit_, combinations_.file_name_, "MVLC", 0);
@@ -191,12 +209,12 @@ STATUS T_COMBINATION_CURSOR::BEGIN(std::int32_t mv_case) {
 STATUS T_COMBINATION_CURSOR::NEXT(T_COMBINATION_VIEW& combination) {
   const std::int64_t c = done_++;
   if (!combinations_.on_disk_) {
-    const std::int64_t at = (case_.FIRST_ROW + c) * combinations_.num_lane_;
+    const std::int64_t at = (case_->FIRST_ROW + c) * combinations_.num_lane_;
     combination = {combinations_.codes_.get() + at, combinations_.scales_.get() + at};
     return {};
   }
   combination = {row_codes_.data(), row_scales_.data()};
-  return combinations_.read_row(block_, case_.FIRST_RECORD + c, row_codes_.data(), row_scales_.data(),
+  return combinations_.read_row(block_, case_->FIRST_RECORD + c, row_codes_.data(), row_scales_.data(),
                                 nullptr);
 }
 

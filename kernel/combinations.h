@@ -43,6 +43,8 @@ class T_CODE_BOOK {
   [[nodiscard]] const std::vector<std::int32_t>& CLASSES() const noexcept { return classes_; }
   /// Slot of a class, 0 where no vehicle has it.
   [[nodiscard]] std::int32_t CLASS_SLOT(std::int32_t veh_class) const noexcept;
+  /// Slot codes there are, 0 included.
+  [[nodiscard]] std::size_t SLOT_CODES() const noexcept { return search::SUB_CASES * classes_.size() + 1; }
   [[nodiscard]] std::int64_t HIGHEST_CODE() const noexcept { return highest_code_; }
   [[nodiscard]] T_MEANING MEANING(std::int32_t code) const;
 
@@ -90,6 +92,9 @@ class T_COMBINATIONS {
   [[nodiscard]] const T_CODE_BOOK& BOOK() const noexcept { return book_; }
   /// By lane, 0-based.
   [[nodiscard]] const std::vector<T_LANE_VEHICLES>& LANE_VEHICLES() const noexcept { return lane_vehicles_; }
+  /// Whether a combination of this moving load case puts the code on a lane with a scale other than 0. Lanes
+  /// and cases from 1; a case that doesn't exist loads nothing.
+  [[nodiscard]] bool LOADS(std::int32_t mv_case, std::int32_t lane, T_SLOT_CODE code) const;
 
  private:
   friend class T_COMBINATION_CURSOR;
@@ -100,9 +105,12 @@ class T_COMBINATIONS {
     std::int64_t FIRST_ROW = 0;     // combination rows before this case
     std::int64_t FIRST_RECORD = 0;  // block record of its first combination, from 1
     std::int32_t COUNT = 0;
+    std::vector<std::uint8_t> LOADED;  // by lane, then slot code; see LOADS
   };
 
   class T_CODE_USE;
+  /// Null where there is no such case.
+  [[nodiscard]] const T_CASE* find(std::int32_t mv_case) const;
   STATUS read_row(BLOCK_READER& block, std::int64_t record, T_SLOT_CODE* codes, real* scales,
                   T_CODE_USE* use) const;
 
@@ -124,13 +132,13 @@ class T_COMBINATION_CURSOR {
 
   /// Begins a case, from 1; one that doesn't exist has no combinations.
   STATUS BEGIN(std::int32_t mv_case);
-  [[nodiscard]] std::int32_t COUNT() const noexcept { return case_.COUNT; }
+  [[nodiscard]] std::int32_t COUNT() const noexcept { return case_ != nullptr ? case_->COUNT : 0; }
   /// The next combination, good until the next call. Called at most COUNT times.
   STATUS NEXT(T_COMBINATION_VIEW& combination);
 
  private:
   const T_COMBINATIONS& combinations_;
-  T_COMBINATIONS::T_CASE case_;
+  const T_COMBINATIONS::T_CASE* case_ = nullptr;
   std::int64_t done_ = 0;
   RECORD_FILE unit_;  // on disk only
   BLOCK_READER block_;

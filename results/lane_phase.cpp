@@ -115,9 +115,11 @@ struct T_LANE_WORK {
 /// One lane of the lane phase.
 class LANE_SEARCH {
  public:
-  LANE_SEARCH(const kernel::T_MODEL& model, std::int32_t lane, const search::T_LOAD_ORD& LOAD_ORD,
-              ROW_LAYOUT layout, const T_SET_LISTING* listing, T_LANE_WORK& work)
+  LANE_SEARCH(const kernel::T_MODEL& model, std::int32_t mv_case, std::int32_t lane,
+              const search::T_LOAD_ORD& LOAD_ORD, ROW_LAYOUT layout, const T_SET_LISTING* listing,
+              T_LANE_WORK& work)
       : model_(model),
+        mv_case_(mv_case),
         number_(lane),
         lane_(model.LANE(lane)),
         LOAD_ORD_(LOAD_ORD),
@@ -258,6 +260,11 @@ class LANE_SEARCH {
                              number_};
     for (std::size_t s = 0; s < SEARCH_TABLE.size(); ++s) {
       if (SEARCH_TABLE[s].ON_STRADDLE_LANES != lane_.IS_STRADDLE) continue;
+      // What no combination of the case puts here, none picks up.
+      const std::size_t slot_code =
+          search::SUB_CASES * static_cast<std::size_t>(results.CLASS_SLOT - 1) + s + 1;
+      if (!model_.COMBINATIONS.LOADS(mv_case_, number_, static_cast<kernel::T_SLOT_CODE>(slot_code)))
+        continue;
       T_FILED_RESULT& filed = results.SUB_CASE[s];
       if (s == HA_ALONE) filed.KEL_POINT = kel_points_;
       if (s != HA_ALONE && other_lanes) {
@@ -290,6 +297,7 @@ class LANE_SEARCH {
   }
 
   const kernel::T_MODEL& model_;
+  const std::int32_t mv_case_;
   const std::int32_t number_;
   const search::T_LANE& lane_;
   const search::T_LOAD_ORD& LOAD_ORD_;
@@ -304,15 +312,16 @@ class LANE_SEARCH {
 
 }  // namespace
 
-T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, const search::T_LOAD_ORD& LOAD_ORD,
-                            ROW_LAYOUT layout, const T_SET_LISTING* listing) {
+T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, std::int32_t mv_case,
+                            const search::T_LOAD_ORD& LOAD_ORD, ROW_LAYOUT layout,
+                            const T_SET_LISTING* listing) {
   T_LANE_PHASE phase;
   phase.LAYOUT = layout;
   T_LANE_WORK work;
   work.COLUMNS = LOAD_ORD.COLUMNS;
   phase.LANES.reserve(model.LANES.size());
   for (std::int32_t lane = 1; lane <= model.COUNTS.NUM_LANE; ++lane) {
-    LANE_SEARCH lane_search(model, lane, LOAD_ORD, layout, listing, work);
+    LANE_SEARCH lane_search(model, mv_case, lane, LOAD_ORD, layout, listing, work);
     lane_search.BUILD_ORDINATES();
     if (!model.LANE(lane).IS_STRADDLE) {
       const auto& distances = lane_search.FIND_DISTANCES();

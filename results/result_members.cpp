@@ -243,7 +243,8 @@ STATUS RUN_FAMILY(const kernel::T_MODEL& model, const kernel::T_REQUEST& request
     status = fetch(*family, model, request, {1, 0}, unit, listing.LOAD_ORD, nothing_to_search);
     if (!status.OK()) return status;
   }
-  const T_LANE_PHASE lane_phase = RUN_LANE_PHASE(model, LOAD_ORD, family->LAYOUT, lists ? &listing : nullptr);
+  const T_LANE_PHASE lane_phase =
+      RUN_LANE_PHASE(model, request.MV_CASE, LOAD_ORD, family->LAYOUT, lists ? &listing : nullptr);
   return RUN_COMBINATION_PHASE(model, lane_phase, request.MV_CASE, envelope);
 }
 

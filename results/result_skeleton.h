@@ -45,10 +45,11 @@ struct T_LANE_PHASE {
                                            std::int32_t sub_case) const;
 };
 
-/// Searches all lanes for the response of one result point and component. Lists what `listing` asks for;
-/// null: nothing.
-T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, const search::T_LOAD_ORD& LOAD_ORD,
-                            ROW_LAYOUT layout, const T_SET_LISTING* listing = nullptr);
+/// Searches all lanes for the response of one result point and component, each for what the combinations of
+/// the moving load case put on it. Lists what `listing` asks for; null: nothing.
+T_LANE_PHASE RUN_LANE_PHASE(const kernel::T_MODEL& model, std::int32_t mv_case,
+                            const search::T_LOAD_ORD& LOAD_ORD, ROW_LAYOUT layout,
+                            const T_SET_LISTING* listing = nullptr);
 
 /// Adds the lanes over the combinations of a moving load case. Both bests begin at 0 and comparisons are
 /// strict, so that of equal combinations the first stays and a side that nothing governs keeps empty records.
