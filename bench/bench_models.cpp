@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "bench/girder_lines.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model.h"
 #include "modelkit/model_writer.h"
@@ -30,6 +31,11 @@ struct T_FOLDER {
   T_FOLDER(const T_FOLDER&) = delete;
   T_FOLDER& operator=(const T_FOLDER&) = delete;
 };
+
+const std::filesystem::path& folder() {
+  static const T_FOLDER its_folder;
+  return its_folder.PATH;
+}
 
 modelkit::T_LANE deck_lane(std::int32_t lane) {
   modelkit::T_LANE result;
@@ -74,15 +80,68 @@ modelkit::T_MODEL deck(std::int32_t lanes, std::int32_t combinations) {
   return model;
 }
 
+/// The lanes run over the three spans; each point leans on the unit loads next to it.
+modelkit::T_LANE bridge_lane(std::int32_t lane) {
+  modelkit::T_LANE result;
+  result.entries_per_point = ENTRIES;
+  for (std::int32_t k = 0; k < POINTS; ++k) {
+    modelkit::T_INFLUENCE_POINT point;
+    point.x = 0.2 * k;
+    for (std::int32_t e = 0; e < ENTRIES; ++e) {
+      const double share = 0.1 * ((lane + e) % 10);
+      point.entries.push_back({{2 * k + 1, 1.0 - share}, {2 * k + 2, share}});
+    }
+    result.points.push_back(std::move(point));
+  }
+  return result;
+}
+
+modelkit::T_MODEL bridge() {
+  constexpr std::int32_t CLASSES = 3;
+  constexpr std::int32_t COMBINATIONS = 2000;
+  constexpr std::int32_t BEAMS = 20;
+  constexpr std::size_t BEAM_VALUES = 68;
+  modelkit::T_MODEL model;
+  model.unit_loads = LOADS;
+  for (std::int32_t lane = 0; lane < BRIDGE_LANES; ++lane) model.lanes.push_back(bridge_lane(lane));
+  for (std::int32_t c = 1; c <= CLASSES; ++c) {
+    modelkit::T_VEHICLE vehicle = modelkit::HA_1978_VEHICLE(25.0 + 5.0 * c);
+    vehicle.vehicle_class = c;
+    model.vehicle_groups.push_back({c, {vehicle}});
+  }
+  modelkit::T_MOVING_LOAD_CASE mv_case;
+  for (std::int32_t c = 0; c < COMBINATIONS; ++c) {
+    modelkit::T_COMBINATION combination;
+    for (std::int32_t lane = 0; lane < BRIDGE_LANES; ++lane) {
+      const bool has_hb = lane == c % BRIDGE_LANES;
+      combination.push_back(
+          {4 * (c / BRIDGE_LANES % CLASSES) + (has_hb ? 2 : 1), lane % 3 == c % 3 ? 1.0 : 1.0 / 3});
+    }
+    mv_case.combinations.push_back(std::move(combination));
+  }
+  model.moving_load_cases = {std::move(mv_case)};
+
+  const T_GIRDER moment(LOADS, 3, EFFECT::FIELD_MOMENT);
+  const T_GIRDER shear(LOADS, 3, EFFECT::SHEAR);
+  for (std::int32_t beam = 1; beam <= BEAMS; ++beam) {
+    modelkit::T_RESPONSE response;
+    response.id = beam;
+    // Both values of a component that may jump are the same line here.
+    for (std::size_t value = 0; value < BEAM_VALUES; ++value) {
+      response.values.push_back((value / 2 % 2 == 0 ? moment : shear).Y);
+    }
+    model.beams.push_back(std::move(response));
+  }
+  return model;
+}
+
 }  // namespace
 
 const std::string& DECK_FILES(std::int32_t lanes, std::int32_t combinations) {
-  static const T_FOLDER folder;
   static std::map<std::pair<std::int32_t, std::int32_t>, std::string> written;
   std::string& base_name = written[{lanes, combinations}];
   if (base_name.empty()) {
-    base_name =
-        (folder.PATH / ("deck-" + std::to_string(lanes) + "-" + std::to_string(combinations))).string();
+    base_name = (folder() / ("deck-" + std::to_string(lanes) + "-" + std::to_string(combinations))).string();
     modelkit::WRITE_MODEL(deck(lanes, combinations), base_name);
   }
   return base_name;
@@ -94,6 +153,27 @@ kernel::T_REQUEST DECK_REQUEST(const std::string& base_name) {
   request.RESULT_KIND = kernel::RK_DISP;
   request.RESULT_ID = 10;
   request.RESULT_ITEM = 3;
+  request.MV_CASE = 1;
+  return request;
+}
+
+const std::string& BRIDGE_FILES() {
+  static std::string base_name;
+  if (base_name.empty()) {
+    base_name = (folder() / "bridge").string();
+    modelkit::WRITE_MODEL(bridge(), base_name);
+  }
+  return base_name;
+}
+
+kernel::T_REQUEST BRIDGE_REQUEST() {
+  constexpr std::int32_t SHEAR = 7;  // values 7 and 8 of a record
+
+  kernel::T_REQUEST request;
+  request.FILE_NAME = BRIDGE_FILES() + ".ZA3";
+  request.RESULT_KIND = kernel::RK_BEAM;
+  request.RESULT_ID = 10;
+  request.RESULT_ITEM = SHEAR;
   request.MV_CASE = 1;
   return request;
 }

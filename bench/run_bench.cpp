@@ -69,6 +69,21 @@ void whole_run(benchmark::State& state) {
 }
 BENCHMARK(whole_run)->Arg(100)->Arg(50000)->Unit(benchmark::kMillisecond);
 
+/// One beam result with HA and HB: the whole run, and what reading the model takes of it.
+void beam_result(benchmark::State& state) {
+  const kernel::T_REQUEST request = bench::BRIDGE_REQUEST();
+  for (auto _ : state) {
+    kernel::RECORD_FILE unit;
+    kernel::T_MODEL model;
+    must(kernel::READ_MODEL(unit, request, bench::BRIDGE_LANES, model));
+    if (state.range(0) != 0) continue;
+    kernel::T_ENVELOPE envelope(model.COUNTS.NUM_LANE);
+    must(kernel::RUN_LANE_ANALYSIS(model, request, unit, envelope));
+    benchmark::DoNotOptimize(envelope.FINAL_MAX);
+  }
+}
+BENCHMARK(beam_result)->ArgName("reading_alone")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
 /// Ordinates, ranges and the HA search of all lanes, the model being read.
 void lane_phase(benchmark::State& state) {
   const kernel::T_REQUEST request = bench::DECK_REQUEST(bench::DECK_FILES(LANES, 100));
