@@ -48,7 +48,8 @@ T_HA_SIDE best_prefix(T_RANGE_LIST& ranges, SIDE side, const T_HA_CURVE& curve, 
     ranges.RANGE_MEAN[at] = has_mean ? ranges.RANGE_AREA[at] / length : 0.0F;
     ranges.RANGE_NUMBER[at] = r + 1;
   }
-  SORT_RANGE_MEANS(count, ranges.RANGE_MEAN.data(), ranges.RANGE_NUMBER.data(), side == MIN_SIDE);
+  SORT_RANGE_MEANS(count, ranges.RANGE_MEAN.data(), ranges.RANGE_NUMBER.data(), side == MIN_SIDE,
+                   ranges.SORT_WORK);
 
   T_HA_SIDE best;
   real best_intensity = 0;

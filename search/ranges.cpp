@@ -114,8 +114,31 @@ void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANG
 
 namespace {
 
+/// The steps of the ranking: a selection from both ends at once.
+void select_means(std::int32_t count, real* means, std::int32_t* numbers) {
+  const auto exchange = [&](std::int32_t i, std::int32_t j) {
+    std::swap(means[i], means[j]);
+    std::swap(numbers[i], numbers[j]);
+  };
+  // The largest to the front of the span, the smallest to its back.
+  for (std::int32_t front = 0, back = count - 1; front < back; ++front, --back) {
+    std::int32_t largest = front;
+    for (std::int32_t i = front + 1; i <= back; ++i) {
+      if (means[i] > means[largest]) largest = i;
+    }
+    exchange(front, largest);
+    std::int32_t smallest = front;
+    for (std::int32_t i = front + 1; i <= back; ++i) {
+      if (means[i] < means[smallest]) smallest = i;
+    }
+    exchange(back, smallest);
+  }
+}
+
 /// From how many ranges on the next largest and smallest are looked up in a tree instead of searched for.
-constexpr std::int32_t MANY_RANGES = 2000;
+constexpr std::int32_t TREE_FROM = 2000;
+/// From how many ranges on means that all differ are sorted in the usual way, whose order then is the same.
+constexpr std::int32_t SORT_FROM = 48;
 
 /// The same steps for a great many ranges, in n log n: the tree holds the means of the span with their
 /// places, the largest first and of equal ones the lowest place first.
@@ -158,31 +181,33 @@ void sort_many_means(std::int32_t count, real* means, std::int32_t* numbers) {
 
 }  // namespace
 
-void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude) {
+void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude,
+                      std::vector<T_RANGE_MEAN>& work) {
   if (count <= 0) return;
   if (by_magnitude) {
     for (std::int32_t i = 0; i < count; ++i) means[i] = std::fabs(means[i]);
   }
-  const auto exchange = [&](std::int32_t i, std::int32_t j) {
-    std::swap(means[i], means[j]);
-    std::swap(numbers[i], numbers[j]);
-  };
-  if (count >= MANY_RANGES) {
-    sort_many_means(count, means, numbers);
-    return;
+  if (count >= SORT_FROM) {
+    work.clear();
+    for (std::int32_t i = 0; i < count; ++i) work.push_back({means[i], numbers[i]});
+    const auto has_number = [](const T_RANGE_MEAN& range) { return !std::isnan(range.MEAN); };
+    const auto is_above = [](const T_RANGE_MEAN& a, const T_RANGE_MEAN& b) { return a.MEAN > b.MEAN; };
+    const auto is_equal = [](const T_RANGE_MEAN& a, const T_RANGE_MEAN& b) { return a.MEAN == b.MEAN; };
+    if (std::all_of(work.begin(), work.end(), has_number)) {
+      std::sort(work.begin(), work.end(), is_above);
+      if (std::adjacent_find(work.begin(), work.end(), is_equal) == work.end()) {
+        for (std::int32_t i = 0; i < count; ++i) {
+          means[i] = work[static_cast<std::size_t>(i)].MEAN;
+          numbers[i] = work[static_cast<std::size_t>(i)].NUMBER;
+        }
+        return;
+      }
+    }
   }
-  // A selection from both ends at once: the largest to the front of the span, the smallest to its back.
-  for (std::int32_t front = 0, back = count - 1; front < back; ++front, --back) {
-    std::int32_t largest = front;
-    for (std::int32_t i = front + 1; i <= back; ++i) {
-      if (means[i] > means[largest]) largest = i;
-    }
-    exchange(front, largest);
-    std::int32_t smallest = front;
-    for (std::int32_t i = front + 1; i <= back; ++i) {
-      if (means[i] < means[smallest]) smallest = i;
-    }
-    exchange(back, smallest);
+  if (count >= TREE_FROM) {
+    sort_many_means(count, means, numbers);
+  } else {
+    select_means(count, means, numbers);
   }
 }
 

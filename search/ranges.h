@@ -18,6 +18,12 @@ namespace search {
 inline constexpr std::int32_t MAX_RANGES = 100;  // ranges of a lane and side in the host's distance lists
 inline constexpr std::int32_t MAX_LOADED = 500;  // range numbers in the host's list of loaded ranges
 
+/// A range among others while they are ranked.
+struct T_RANGE_MEAN {
+  real MEAN = 0;
+  std::int32_t NUMBER = 0;
+};
+
 /// The ranges of one sign, numbered from 1 in the order in which they close along the lane, and the ranking
 /// of a search: MEAN and NUMBER stand side by side. Vectors are kept sized for the longest line seen.
 struct T_RANGE_LIST {
@@ -26,6 +32,7 @@ struct T_RANGE_LIST {
   std::vector<real> RANGE_LENGTH;          // never negative but for rounding
   std::vector<real> RANGE_MEAN;            // area / length, in order of ranking after the sort
   std::vector<std::int32_t> RANGE_NUMBER;  // from 1, in the same order
+  std::vector<T_RANGE_MEAN> SORT_WORK;
 
   /// Room for the ranges of a line of n points: at most one closes a segment, and one at the end.
   void RESERVE(std::int32_t n);
@@ -58,7 +65,9 @@ void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANG
 /// Ranks means from the largest to the smallest and carries the sequence numbers along; `by_magnitude` first
 /// replaces every mean by its absolute value (negative ranges). The order of equal means follows from the way
 /// of sorting and is behaviour: it decides which range joins a loaded set first.
-void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude);
+/// `work` is a work list.
+void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude,
+                      std::vector<T_RANGE_MEAN>& work);
 
 /// The curve of HA UDL intensity over loaded length, BS 5400-2 clause 6.2.1; its numbers come with the
 /// vehicle.
