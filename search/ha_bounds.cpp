@@ -277,11 +277,12 @@ void T_HA_BOUNDS::RANGES_BESIDE(const T_LINE& line, const T_ZONE_PLACE& zone, co
     const T_OPEN_RANGE& whole = state(side, segment).OPEN;
     return range.AREA == whole.AREA && range.LENGTH == whole.LENGTH;
   };
-  for (; segment < segments_; ++segment) {
-    if (is_as_whole(MAX_SIDE, open.POSITIVE) && is_as_whole(MIN_SIDE, open.NEGATIVE)) break;
-    const std::int32_t i = segment + 1;
-    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
-    if (!(L::SKIPS_ZERO_LENGTH && dx == 0)) open.SEGMENT(dx, line.AFTER(i), line.BEFORE(i + 1), closed);
+  constexpr std::int32_t STEP = 16;  // looked at now and then, for what is the same stays the same
+  while (segment < segments_ &&
+         !(is_as_whole(MAX_SIDE, open.POSITIVE) && is_as_whole(MIN_SIDE, open.NEGATIVE))) {
+    const std::int32_t last = std::min(segment + STEP, segments_);
+    ADD_SEGMENTS<L>(line, segment + 1, last, open, closed);
+    segment = last;
   }
   if (segment == segments_) {
     open.END(closed);

@@ -91,6 +91,48 @@ class RANGE_SINK {
   T_RANGE_WORK& work_;
 };
 
+/// The segments from point i on, as long as their ends have the sign of the side beyond 0; the line has one
+/// column. Returns the point at which the next segment begins.
+template <LAYOUT L, SIDE SIGN>
+std::int32_t ADD_RUN(const T_LINE& line, std::int32_t i, std::int32_t last, T_OPEN_RANGE& open) {
+  T_OPEN_RANGE range = open;
+  const auto y = line.BEFORE;
+  real a = y(i);
+  real x = line.LANE_X(i);
+  if (SIGN == MAX_SIDE ? a >= 0 : a <= 0) {
+    for (; i <= last; ++i) {
+      const real b = y(i + 1);
+      if (!(SIGN == MAX_SIDE ? b > 0 : b < 0)) break;
+      const real next_x = line.LANE_X(i + 1);
+      const real dx = next_x - x;
+      if (L::SKIPS_ZERO_LENGTH && dx == 0) break;
+      range.LENGTH += dx;
+      range.AREA += (a + b) * dx * 0.5F;
+      a = b;
+      x = next_x;
+    }
+  }
+  open = range;
+  return i;
+}
+
+/// The whole segments first to last, without a rule for jumps.
+template <LAYOUT L, class CLOSED>
+void ADD_SEGMENTS(const T_LINE& line, std::int32_t first, std::int32_t last, T_OPEN_RANGES& open,
+                  CLOSED closed) {
+  for (std::int32_t i = first; i <= last; ++i) {
+    // Most segments only lengthen the range of their sign; that much is done at once.
+    if (!line.TWO_COLUMNS) {
+      i = line.AFTER(i) < 0 ? ADD_RUN<L, MIN_SIDE>(line, i, last, open.NEGATIVE)
+                            : ADD_RUN<L, MAX_SIDE>(line, i, last, open.POSITIVE);
+      if (i > last) return;
+    }
+    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
+    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
+    open.SEGMENT(dx, line.AFTER(i), line.BEFORE(i + 1), closed);
+  }
+}
+
 /// The segment in which the near end of a zone lies, or which begins there.
 [[nodiscard]] inline std::int32_t NEAR_SEGMENT(const T_ZONE_PLACE& zone) {
   return zone.NEAR_FRACTION != 0 ? zone.NEAR_INDEX - 1 : zone.NEAR_INDEX;

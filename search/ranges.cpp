@@ -21,31 +21,6 @@ void T_RANGE_LIST::RESERVE(std::int32_t n) {
 
 namespace {
 
-/// The segments from point i on, as long as their ends have the sign of the side beyond 0; the line has one
-/// column. Returns the point at which the next segment begins.
-template <LAYOUT L, SIDE SIGN>
-std::int32_t add_run(const T_LINE& line, std::int32_t i, std::int32_t last, T_OPEN_RANGE& open) {
-  T_OPEN_RANGE range = open;
-  const auto y = line.BEFORE;
-  real a = y(i);
-  real x = line.LANE_X(i);
-  if (SIGN == MAX_SIDE ? a >= 0 : a <= 0) {
-    for (; i <= last; ++i) {
-      const real b = y(i + 1);
-      if (!(SIGN == MAX_SIDE ? b > 0 : b < 0)) break;
-      const real next_x = line.LANE_X(i + 1);
-      const real dx = next_x - x;
-      if (L::SKIPS_ZERO_LENGTH && dx == 0) break;
-      range.LENGTH += dx;
-      range.AREA += (a + b) * dx * 0.5F;
-      a = b;
-      x = next_x;
-    }
-  }
-  open = range;
-  return i;
-}
-
 /// A jump across zero at the end of a segment from a to b, behind which the line goes on at c.
 template <class CLOSED>
 void close_at_jump(real a, real b, real c, T_OPEN_RANGES& open, CLOSED closed) {
@@ -53,23 +28,6 @@ void close_at_jump(real a, real b, real c, T_OPEN_RANGES& open, CLOSED closed) {
     if (c < 0) open.CLOSE(MAX_SIDE, closed);
   } else if (a <= 0 && b < 0) {
     if (c > 0) open.CLOSE(MIN_SIDE, closed);
-  }
-}
-
-/// The whole segments first to last, without a rule for jumps.
-template <LAYOUT L, class CLOSED>
-void add_segments(const T_LINE& line, std::int32_t first, std::int32_t last, T_OPEN_RANGES& open,
-                  CLOSED closed) {
-  for (std::int32_t i = first; i <= last; ++i) {
-    // Most segments only lengthen the range of their sign; that much is done at once.
-    if (!line.TWO_COLUMNS) {
-      i = line.AFTER(i) < 0 ? add_run<L, MIN_SIDE>(line, i, last, open.NEGATIVE)
-                            : add_run<L, MAX_SIDE>(line, i, last, open.POSITIVE);
-      if (i > last) return;
-    }
-    const real dx = line.LANE_X(i + 1) - line.LANE_X(i);
-    if (L::SKIPS_ZERO_LENGTH && dx == 0) continue;
-    open.SEGMENT(dx, line.AFTER(i), line.BEFORE(i + 1), closed);
   }
 }
 
@@ -81,11 +39,11 @@ void CUT_RANGES(const T_LINE& line, T_RANGE_WORK& work) {
   T_OPEN_RANGES open;
   if (L::CLOSES_AT_JUMPS && line.TWO_COLUMNS) {
     for (std::int32_t i = 1; i < line.n; ++i) {
-      add_segments<L>(line, i, i, open, closed);
+      ADD_SEGMENTS<L>(line, i, i, open, closed);
       close_at_jump(line.AFTER(i), line.BEFORE(i + 1), line.AFTER(i + 1), open, closed);
     }
   } else {
-    add_segments<L>(line, 1, line.n - 1, open, closed);
+    ADD_SEGMENTS<L>(line, 1, line.n - 1, open, closed);
   }
   open.END(closed);
 }
@@ -96,18 +54,18 @@ void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANG
   T_OPEN_RANGES open;
   const std::int32_t last = line.n - 1;
   const std::int32_t near_segment = NEAR_SEGMENT(zone);
-  add_segments<L>(line, 1, std::min({near_segment - 1, zone.FAR_INDEX - 1, last}), open, closed);
+  ADD_SEGMENTS<L>(line, 1, std::min({near_segment - 1, zone.FAR_INDEX - 1, last}), open, closed);
   if (near_segment <= zone.FAR_INDEX) {
     ADD_NEAR_PIECE<L>(line, zone, open, closed);
     ADD_FAR_PIECE<L>(line, zone, open, closed);
-    add_segments<L>(line, zone.FAR_INDEX + 1, last, open, closed);
+    ADD_SEGMENTS<L>(line, zone.FAR_INDEX + 1, last, open, closed);
   } else {
     // The ends of a vehicle that no model has, or of positions that don't ascend: by the same rules, in lane
     // order.
     ADD_FAR_PIECE<L>(line, zone, open, closed);
-    add_segments<L>(line, std::max(zone.FAR_INDEX + 1, 1), std::min(near_segment - 1, last), open, closed);
+    ADD_SEGMENTS<L>(line, std::max(zone.FAR_INDEX + 1, 1), std::min(near_segment - 1, last), open, closed);
     ADD_NEAR_PIECE<L>(line, zone, open, closed);
-    add_segments<L>(line, std::max(zone.NEAR_INDEX + 1, 1), last, open, closed);
+    ADD_SEGMENTS<L>(line, std::max(zone.NEAR_INDEX + 1, 1), last, open, closed);
   }
   open.END(closed);
 }
