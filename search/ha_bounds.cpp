@@ -103,7 +103,8 @@ T_HA_BOUNDS::T_RANKED T_HA_BOUNDS::ranked(SIDE side, const T_OPEN_RANGE& range) 
 }
 
 template <LAYOUT L>
-bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range) {
+bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range,
+                          double shortest_vehicle) {
   constexpr real LARGEST = 1e15F;
   segments_ = line.n - 1;
   intensity_ = &intensity;
@@ -189,28 +190,74 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
                         whole.AREA_SUM * sum_error_ + few_roundings;
     quick.LENGTH_OFFSET =
         16 * ROUNDING * reach + 2 * slivers_[side].LENGTH + whole.LENGTH_SUM * roundings + few_roundings;
-    const bool tells_length = intensity.GROWS_WITH_LENGTH() && highest > 1e-30;
-    quick.LENGTH_A_AREA = tells_length ? 1 / (highest * (1 + 2 * roundings)) : 0;
+    find_steps(line, side, highest, shortest_vehicle);
   }
   return true;
 }
 
-/// The effect of an area of at most this much. It can't have more than its length times the highest ordinate,
-/// so that a large area means a long length and a low intensity.
+/// The steps of a side whose ordinates are at most `highest` in magnitude.
+void T_HA_BOUNDS::find_steps(const T_LINE& line, SIDE side, double highest, double shortest_vehicle) {
+  T_QUICK& quick = quick_[side];
+  quick.STEPS = {};
+  quick.LOST_LENGTH = INFINITE;
+  if (!intensity_->GROWS_WITH_LENGTH() || !(highest > 1e-30)) return;
+  std::array<double, LEVELS> areas{};
+  const double per_level = LEVELS / highest;
+  for (std::int32_t segment = 1; segment <= segments_; ++segment) {
+    const auto a = static_cast<double>(side == MAX_SIDE ? line.AFTER(segment) : -line.AFTER(segment));
+    const auto b =
+        static_cast<double>(side == MAX_SIDE ? line.BEFORE(segment + 1) : -line.BEFORE(segment + 1));
+    const double top = std::max(a, b);
+    if (!(top > 0)) continue;
+    const auto level = static_cast<std::size_t>((highest - top) * per_level * (1 - 1e-9));
+    const auto at = static_cast<std::size_t>(segment);
+    areas[level] += states_[side][at].AREA_SUM - states_[side][at - 1].AREA_SUM;
+  }
+  quick.LOST_LENGTH = quick.AREA_OFFSET * per_level + quick.LENGTH_OFFSET;
+  const double vehicle = shortest_vehicle - quick.LOST_LENGTH;
+  for (std::size_t level = 0; level < LEVELS; ++level) {
+    T_STEP& step = quick.STEPS[level];
+    T_STEP& next = quick.STEPS[level + 1];
+    const double top = highest * static_cast<double>(LEVELS - level) / LEVELS;
+    step.LENGTH_A_AREA = 1 / (top * (2 * quick_factor_ - 1));
+    next.AREA = step.AREA + std::max(areas[level], 0.0);
+    next.LENGTH = step.LENGTH + (next.AREA - step.AREA) * step.LENGTH_A_AREA;
+    next.BEST = std::max(step.BEST, effect_within(step, vehicle, next.AREA, next.LENGTH));
+  }
+}
+
+/// The largest effect of areas from a step to `area`, which has this length. Between both it can only be
+/// larger where the intensity falls by a step: elsewhere the effect falls and then grows, if it falls at all.
+double T_HA_BOUNDS::effect_within(const T_STEP& from, double vehicle, double area,
+                                  double length) const noexcept {
+  const double limit = intensity_->LIMIT();
+  double effect = area * intensity_->HIGHEST_FROM(vehicle + length);
+  if (vehicle + from.LENGTH <= limit && vehicle + length > limit) {
+    const double at_limit = from.AREA + (limit - vehicle - from.LENGTH) / from.LENGTH_A_AREA;
+    effect = std::max(effect, std::min(at_limit, area) * intensity_->HIGHEST_FROM(limit));
+  }
+  return effect;
+}
+
+/// The effect of an area of at most this much: a large area means a long length and a low intensity.
 double T_HA_BOUNDS::area_bound(SIDE side, double area, double vehicle_length) const noexcept {
   const T_QUICK& quick = quick_[side];
-  const double offset = quick.AREA_OFFSET * quick.LENGTH_A_AREA + quick.LENGTH_OFFSET;
-  // Beyond that, area times intensity wouldn't be sure to grow with the area.
-  const double loaded = offset <= vehicle_length ? area * quick.LENGTH_A_AREA - offset : 0.0;
-  const double length = vehicle_length + std::max(loaded, 0.0);
-  double bound = area * intensity_->HIGHEST_FROM(length);
-  // Where the intensity falls by a step, an area just short of it may give more.
-  const double limit = intensity_->LIMIT();
-  if (loaded > 0 && vehicle_length <= limit && length > limit) {
-    const double area_there = std::min(area, (limit - vehicle_length + offset) / quick.LENGTH_A_AREA);
-    bound = std::max(bound, area_there * intensity_->HIGHEST_FROM(limit));
+  double effect = 0;
+  if (quick.LOST_LENGTH < vehicle_length) {
+    std::size_t level = LEVELS;
+    while (level > 0 && quick.STEPS[level].AREA >= area) --level;
+    const T_STEP& step = quick.STEPS[level];
+    const double length = step.LENGTH + (area - step.AREA) * step.LENGTH_A_AREA;
+    effect = std::max(step.BEST, effect_within(step, vehicle_length - quick.LOST_LENGTH, area, length));
+  } else {
+    effect = area * intensity_->HIGHEST_FROM(vehicle_length);
   }
-  return bound * quick_factor_ + SMALLEST_STEP;
+  return effect * quick_factor_ + SMALLEST_STEP;
+}
+
+double T_HA_BOUNDS::ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept {
+  if (quick_[side].NOTHING) return 0;
+  return area_bound(side, states_[side].back().AREA_SUM + quick_[side].AREA_OFFSET, vehicle_length);
 }
 
 double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept {
@@ -412,8 +459,8 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
   return best;
 }
 
-template bool T_HA_BOUNDS::PREPARE<SIMPLE_LAYOUT>(const T_LINE&, const T_INTENSITY_BOUNDS&, real);
-template bool T_HA_BOUNDS::PREPARE<JUMP_LAYOUT>(const T_LINE&, const T_INTENSITY_BOUNDS&, real);
+template bool T_HA_BOUNDS::PREPARE<SIMPLE_LAYOUT>(const T_LINE&, const T_INTENSITY_BOUNDS&, real, double);
+template bool T_HA_BOUNDS::PREPARE<JUMP_LAYOUT>(const T_LINE&, const T_INTENSITY_BOUNDS&, real, double);
 template T_ZONE_CUT T_HA_BOUNDS::CUT<SIMPLE_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&) const noexcept;
 template T_ZONE_CUT T_HA_BOUNDS::CUT<JUMP_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&) const noexcept;
 template void T_HA_BOUNDS::RANGES_BESIDE<SIMPLE_LAYOUT>(const T_LINE&, const T_ZONE_PLACE&, const T_ZONE_CUT&,

@@ -82,12 +82,15 @@ struct T_ZONE_CUT {
 class T_HA_BOUNDS {
  public:
   /// Walks the line once. `intensity` must outlive this and be prepared for the line's curve. `short_range`
-  /// as in the search whose values are bounded.
+  /// as in the search whose values are bounded. Vehicles are at least `shortest_vehicle` long.
   template <LAYOUT L>
-  [[nodiscard]] bool PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range);
+  [[nodiscard]] bool PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range,
+                             double shortest_vehicle);
 
-  /// An upper bound of the magnitude of a side's effect, from areas and lengths alone. It holds for longer
-  /// vehicles too whose zone begins at the same point.
+  /// An upper bound of the magnitude of a side's effect, for vehicles of at least this length anywhere.
+  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept;
+  /// The same for one zone, from areas and lengths alone. It holds for longer vehicles too whose zone begins
+  /// at the same point.
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept;
   template <LAYOUT L>
   [[nodiscard]] T_ZONE_CUT CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept;
@@ -120,7 +123,20 @@ class T_HA_BOUNDS {
   static constexpr std::size_t MOST_RANGES = 24;  // of a side of the whole line
   static constexpr std::size_t MOST_OWN = 3;      // of one placement
 
+  /// The whole line's stretches from the highest ordinates down to a level: an area has at least the length
+  /// that it has if the highest stretches bear it.
+  static constexpr std::size_t LEVELS = 8;
+  struct T_STEP {
+    double AREA = 0;
+    double LENGTH = 0;
+    double LENGTH_A_AREA = 0;  // of the stretches behind this step
+    double BEST = 0;  // effect of any area up to this one, for the shortest vehicle and all longer ones
+  };
+
   [[nodiscard]] T_RANKED ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept;
+  void find_steps(const T_LINE& line, SIDE side, double highest, double shortest_vehicle);
+  [[nodiscard]] double effect_within(const T_STEP& from, double vehicle, double area,
+                                     double length) const noexcept;
   [[nodiscard]] double area_bound(SIDE side, double area, double vehicle_length) const noexcept;
 
   std::array<std::vector<T_STATE>, N_SIDES> states_;       // by segments passed
@@ -132,10 +148,11 @@ class T_HA_BOUNDS {
   };
   std::array<T_SLIVERS, N_SIDES> slivers_;  // all that rounding took away from ranges
   struct T_QUICK {
-    bool NOTHING = false;  // no ordinate of this sign
-    double AREA_OFFSET = 0;
+    bool NOTHING = false;    // no ordinate of this sign
+    double AREA_OFFSET = 0;  // what rounding may add to an area
     double LENGTH_OFFSET = 0;
-    double LENGTH_A_AREA = 0;  // an area has at least this length each
+    double LOST_LENGTH = 0;  // what both may take away from the length that an area needs
+    std::array<T_STEP, LEVELS + 1> STEPS;
   };
   std::array<T_QUICK, N_SIDES> quick_;
   double quick_factor_ = 1;

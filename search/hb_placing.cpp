@@ -47,9 +47,12 @@ class HA_ON_LINE {
                      result.INFL_REC);
   }
 
-  [[nodiscard]] bool PREPARE_BOUNDS() {
-    is_known_ = work_.BOUNDS[0].PREPARE<L>(line_, work_.INTENSITY, 0);
+  [[nodiscard]] bool PREPARE_BOUNDS(double shortest_vehicle) {
+    is_known_ = work_.BOUNDS[0].PREPARE<L>(line_, work_.INTENSITY, 0, shortest_vehicle);
     return is_known_;
+  }
+  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const {
+    return work_.BOUNDS[0].ANYWHERE_BOUND(side, vehicle_length);
   }
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_PLACEMENT& placement) const {
     return work_.BOUNDS[0].QUICK_BOUND(side, placement.ZONE, static_cast<double>(placement.VEHICLE_LENGTH));
@@ -105,10 +108,15 @@ class HA_ON_PAIR {
     }
   }
 
-  [[nodiscard]] bool PREPARE_BOUNDS() {
-    are_known_ = work_.BOUNDS[0].PREPARE<L>(lines_[0], work_.INTENSITY, L::SHORT_RANGE) &&
-                 work_.BOUNDS[1].PREPARE<L>(lines_[1], work_.INTENSITY, L::SHORT_RANGE);
+  [[nodiscard]] bool PREPARE_BOUNDS(double shortest_vehicle) {
+    are_known_ = work_.BOUNDS[0].PREPARE<L>(lines_[0], work_.INTENSITY, L::SHORT_RANGE, shortest_vehicle) &&
+                 work_.BOUNDS[1].PREPARE<L>(lines_[1], work_.INTENSITY, L::SHORT_RANGE, shortest_vehicle);
     return are_known_;
+  }
+  [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const {
+    return larger_sum(work_.BOUNDS[0].ANYWHERE_BOUND(side, vehicle_length),
+                      work_.BOUNDS[1].ANYWHERE_BOUND(side, vehicle_length)) *
+           (1 + PAIR_ROUNDING);
   }
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_PLACEMENT& placement) const {
     const auto length = static_cast<double>(placement.VEHICLE_LENGTH);

@@ -125,8 +125,9 @@ class SCREEN {
     const real shortest = offsets_.LENGTH(1);
     if (!(shortest > 0.1F) || !(std::fabs(pass_.X(pass_.n)) < 1e4F * shortest)) return false;
     const double longest = static_cast<double>(offsets_.OF_TYPE.back()[0]) + 2 * lane;
-    return work_.INTENSITY.PREPARE(input_.VEHICLE->HA_CURVE, OFF * static_cast<double>(shortest), longest) &&
-           planes_.PREPARE_BOUNDS();
+    const double shortest_vehicle = OFF * static_cast<double>(shortest);
+    return work_.INTENSITY.PREPARE(input_.VEHICLE->HA_CURVE, shortest_vehicle, longest) &&
+           planes_.PREPARE_BOUNDS(shortest_vehicle);
   }
 
   /// Screens the pass and calls attempt(placement) for what is left, in plain order; what it keeps stands in
@@ -136,6 +137,9 @@ class SCREEN {
     constexpr std::int32_t COARSE_STEP = 8;
     take_best(result);
     find_extremes();
+    for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+      ha_anywhere_[side] = planes_.ANYWHERE_BOUND(side, OFF * static_cast<double>(offsets_.LENGTH(1)));
+    }
     // A coarse walk first, which tells how high the best reaches at least; a pass before this one has told.
     const bool has_best = best_[MAX_SIDE] > 0 || best_[MIN_SIDE] > 0;
     for (const std::int32_t step : {COARSE_STEP, 1}) {
@@ -258,10 +262,15 @@ class SCREEN {
   /// Whether any type can win at the point of the placement, which is of the shortest type: the others keep
   /// more of the lane free, and their length alone lowers the intensity.
   [[nodiscard]] bool may_win_at_point(WALK& walk, T_PLACEMENT& placement) {
-    walk.PLACE_ZONE(placement);
     const auto [first, last] = walk.FRONT_AXLES(placement);
     const std::array<double, N_SIDES> hb = highest_hb(first, last);
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+      may_win_[side] = can_win(side, highest_total(hb[side], ha_anywhere_[side]));
+    }
+    if (!may_win_[MAX_SIDE] && !may_win_[MIN_SIDE]) return false;
+    walk.PLACE_ZONE(placement);
+    for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+      if (!may_win_[side]) continue;
       ha_at_point_[side] = planes_.QUICK_BOUND(side, placement);
       may_win_[side] = can_win(side, highest_total(hb[side], ha_at_point_[side]));
     }
@@ -305,6 +314,7 @@ class SCREEN {
   std::size_t extent_ = 1;                     // points that an entry of the extremes covers
   std::array<double, N_SIDES> best_{};         // so far, as magnitudes
   std::array<double, N_SIDES> reach_{};        // what the best of the pass reaches at least
+  std::array<double, N_SIDES> ha_anywhere_{};  // HA UDL at most, wherever the vehicle stands
   std::array<double, N_SIDES> ha_at_point_{};  // HA UDL at most, of all types at the point in hand
   std::array<bool, N_SIDES> may_win_{};        // whether any type can win there
 };
