@@ -42,13 +42,15 @@ STATUS READ_MODEL(RECORD_FILE& unit, const T_REQUEST& request, std::int32_t host
   return model.COMBINATIONS.LOAD(unit, file, counts.NUM_LANE, counts.N_COMBINATION, std::move(book), memory);
 }
 
+results::T_COMPONENT COMPONENT_OF(const T_REQUEST& request) {
+  const bool is_wall = request.RESULT_KIND == RK_WALL;
+  return is_wall ? SPLIT_WALL_ITEM(request.RESULT_ITEM) : results::T_COMPONENT{request.RESULT_ITEM, 0};
+}
+
 STATUS RUN_LANE_ANALYSIS(const T_MODEL& model, const T_REQUEST& request, RECORD_FILE& unit,
                          T_ENVELOPE& envelope) {
   if (request.RESULT_KIND == RK_LRAC && model.COUNTS.N_LOCAL_REACTION == 0) return {};
-  const bool is_wall = request.RESULT_KIND == RK_WALL;
-  const results::T_COMPONENT component =
-      is_wall ? SPLIT_WALL_ITEM(request.RESULT_ITEM) : results::T_COMPONENT{request.RESULT_ITEM, 0};
-  return results::RUN_FAMILY(model, request, component, unit, envelope);
+  return results::RUN_FAMILY(model, request, COMPONENT_OF(request), unit, envelope);
 }
 
 std::int32_t ITEM_MAP(std::int32_t result_item) {

@@ -19,6 +19,9 @@ void* COMBINATION_MEMORY_OF_PROCESS(std::size_t bytes);
 STATUS READ_MODEL(RECORD_FILE& unit, const T_REQUEST& request, std::int32_t host_lanes, T_MODEL& model,
                   COMBINATION_MEMORY memory = COMBINATION_MEMORY_OF_PROCESS);
 
+/// The component that a request's item stands for.
+[[nodiscard]] results::T_COMPONENT COMPONENT_OF(const T_REQUEST& request);
+
 /// Runs the result routine of the request's kind; leaves the envelope as it is where there is none.
 STATUS RUN_LANE_ANALYSIS(const T_MODEL& model, const T_REQUEST& request, RECORD_FILE& unit,
                          T_ENVELOPE& envelope);

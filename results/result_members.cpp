@@ -227,24 +227,30 @@ const T_FAMILY* FIND_FAMILY(std::int32_t result_kind) {
   return row == FAMILY_TABLE.end() ? nullptr : &*row;
 }
 
+STATUS READ_RESPONSE(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
+                     const T_COMPONENT& component, kernel::RECORD_FILE& unit, T_RESPONSE& response) {
+  response = {};
+  STATUS status = find_row(model.COUNTS, request, component, response.FAMILY);
+  if (!status.OK() || response.FAMILY == nullptr) return status;
+  return fetch(*response.FAMILY, model, request, component, unit, response.LOAD_ORD,
+               response.NOTHING_TO_SEARCH);
+}
+
 STATUS RUN_FAMILY(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
                   const T_COMPONENT& component, kernel::RECORD_FILE& unit, kernel::T_ENVELOPE& envelope) {
-  const T_FAMILY* family = nullptr;
-  STATUS status = find_row(model.COUNTS, request, component, family);
-  if (!status.OK() || family == nullptr) return status;
-  search::T_LOAD_ORD LOAD_ORD;
-  bool nothing_to_search = false;
-  status = fetch(*family, model, request, component, unit, LOAD_ORD, nothing_to_search);
-  if (!status.OK() || nothing_to_search) return status;
+  T_RESPONSE response;
+  STATUS status = READ_RESPONSE(model, request, component, unit, response);
+  if (!status.OK() || response.FAMILY == nullptr || response.NOTHING_TO_SEARCH) return status;
 
   const bool lists = lists_sets(model, request);
   T_SET_LISTING listing{request.UNIT_78, {}};
   if (lists) {
-    status = fetch(*family, model, request, {1, 0}, unit, listing.LOAD_ORD, nothing_to_search);
+    status =
+        fetch(*response.FAMILY, model, request, {1, 0}, unit, listing.LOAD_ORD, response.NOTHING_TO_SEARCH);
     if (!status.OK()) return status;
   }
-  const T_LANE_PHASE lane_phase =
-      RUN_LANE_PHASE(model, request.MV_CASE, LOAD_ORD, family->LAYOUT, lists ? &listing : nullptr);
+  const T_LANE_PHASE lane_phase = RUN_LANE_PHASE(model, request.MV_CASE, response.LOAD_ORD,
+                                                 response.FAMILY->LAYOUT, lists ? &listing : nullptr);
   return RUN_COMBINATION_PHASE(model, lane_phase, request.MV_CASE, envelope);
 }
 

@@ -52,6 +52,17 @@ struct T_COMPONENT {
   std::int32_t ITEM_PART = 0;  // 1 to 3, 0 no parts
 };
 
+/// The response of a request's result point to every unit load, as the lane phase takes it.
+struct T_RESPONSE {
+  const T_FAMILY* FAMILY = nullptr;  // whose routine serves the component; null: there is none
+  search::T_LOAD_ORD LOAD_ORD;
+  bool NOTHING_TO_SEARCH = false;  // the routine returns at once
+};
+
+/// Fetches the ordinates of the component that RESULT_ITEM stands for. `unit` serves the lookups.
+STATUS READ_RESPONSE(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
+                     const T_COMPONENT& component, kernel::RECORD_FILE& unit, T_RESPONSE& response);
+
 /// Works out one request from a model: fetches the ordinates of the component that RESULT_ITEM stands for and
 /// runs both phases. Leaves the envelope as it is where there is nothing to search. `unit` serves the
 /// lookups.

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The Debian packages of this project, and the routine that installs them. Sourced by the other scripts.
+# The Debian packages of this project, and the routines that install them. Sourced by the other scripts.
 
 BUILD_PACKAGES=(cmake g++ ninja-build libcli11-dev libeigen3-dev libfmt-dev nlohmann-json3-dev)
 TEST_PACKAGES=(binutils libbenchmark-dev libgtest-dev pkgconf)
@@ -25,4 +25,9 @@ install_missing() {
   echo "Installing ${missing[*]}"
   "${as_root[@]}" apt-get update -qq
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# install_gnuplot: for the pictures of the command line tool; any gnuplot that is there serves.
+install_gnuplot() {
+  command -v gnuplot >/dev/null || install_missing gnuplot-nox
 }

@@ -1,187 +1,26 @@
 #include "tools/command_envelope.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdio>
-#include <limits>
 #include <memory>
-#include <optional>
-#include <tuple>
-#include <utility>
 
-#include "kernel/driver.h"
-#include "tools/envelope_report.h"
-#include "tools/host_run.h"
-#include "tools/model_options.h"
-#include "tools/progress.h"
+#include "tools/envelope_question.h"
 #include "tools/text_layout.h"
-#include "tools/tool_failure.h"
-#include "tools/vehicle_names.h"
 
 namespace tools {
 namespace {
 
 struct T_ENVELOPE_OPTIONS {
-  T_MODEL_OPTIONS model;
-  std::string kind;
-  std::int32_t id = 0;
-  std::int32_t item = 0;
-  std::int32_t mv_case = 0;
+  T_ENVELOPE_QUESTION question;
   bool json = false;
 };
 
-/// What the answer is told with: tables that a host doesn't get.
-struct T_BACKGROUND {
-  kernel::T_MODEL model;
-  std::vector<std::string> vehicle_names;
-  T_RESULT_POINTS points;
-};
-
-T_BACKGROUND read_background(const T_MODEL_FILE& file, const T_KIND& kind) {
-  const auto check = [&file](const STATUS& status) {
-    if (status.OK()) return;
-    const std::string line = FAILURE_LINE(status, file.file_name);
-    throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
-  };
-  kernel::T_REQUEST request;
-  request.FILE_NAME = file.file_name;
-  request.ANALYSIS_CODE = file.analysis_code;
-  T_BACKGROUND background;
-  kernel::RECORD_FILE unit;
-  constexpr std::int32_t ANY_NUMBER_OF_LANES = std::numeric_limits<std::int32_t>::max();
-  check(kernel::READ_MODEL(unit, request, ANY_NUMBER_OF_LANES, background.model));
-  const kernel::T_COUNTS& counts = background.model.COUNTS;
-  check(READ_VEHICLE_NAMES(unit, file.file_name, counts, background.vehicle_names));
-  check(READ_RESULT_POINTS(unit, file.file_name, counts, kind, background.points));
-  return background;
-}
-
-/// The numbers of the model's BS 5400 vehicles, where they agree in what `same` compares; the records don't
-/// tell of each lane which vehicle it carries.
-template <class SAME>
-std::optional<search::T_VEHICLE_PARAMETERS> common_vehicle(const std::vector<search::T_VEHICLE>& vehicles,
-                                                           SAME same) {
-  std::optional<search::T_VEHICLE_PARAMETERS> common;
-  for (const search::T_VEHICLE& vehicle : vehicles) {
-    if (vehicle.VEHICLE_CODE != search::BS_5400_VEHICLE) continue;
-    const search::T_VEHICLE_PARAMETERS parameters = search::VEHICLE_PARAMETERS(vehicle);
-    if (common && !same(*common, parameters)) return std::nullopt;
-    common = parameters;
-  }
-  return common;
-}
-
-std::optional<double> kel_load(const std::vector<search::T_VEHICLE>& vehicles) {
-  const auto common =
-      common_vehicle(vehicles, [](const auto& a, const auto& b) { return a.KEL_LOAD == b.KEL_LOAD; });
-  if (!common) return std::nullopt;
-  return static_cast<double>(common->KEL_LOAD);
-}
-
-std::optional<search::T_VEHICLE_PARAMETERS> hb_vehicle(const std::vector<search::T_VEHICLE>& vehicles) {
-  return common_vehicle(vehicles, [](const auto& a, const auto& b) {
-    return std::tie(a.HB_LOAD, a.HB_S, a.HB_B, a.HB_STEP) == std::tie(b.HB_LOAD, b.HB_S, b.HB_B, b.HB_STEP);
-  });
-}
-
-/// Name of the first vehicle of a class, whose values the search takes.
-std::string vehicle_name(const T_BACKGROUND& background, std::int32_t veh_class) {
-  const std::vector<search::T_VEHICLE>& vehicles = background.model.VEHICLES;
-  const auto vehicle = std::find_if(vehicles.begin(), vehicles.end(), [veh_class](const auto& candidate) {
-    return candidate.VEH_CLASS == veh_class;
-  });
-  return veh_class == 0 || vehicle == vehicles.end()
-             ? ""
-             : background.vehicle_names[static_cast<std::size_t>(vehicle - vehicles.begin())];
-}
-
-/// Why an answer may not be what was meant: the library takes a question beyond the files for one without
-/// loading. And what the records leave open.
-std::vector<std::string> notes_on(const T_ENVELOPE_OPTIONS& options, const T_BACKGROUND& background,
-                                  const std::array<T_SIDE_LOADING, 2>& sides) {
-  std::vector<std::string> notes;
-  const T_RESULT_POINTS& points = background.points;
-  const kernel::T_COUNTS& counts = background.model.COUNTS;
-  if (!points.HOLDS(options.id)) {
-    notes.push_back(fmt::format("the files hold no {} {}; ids: {}", points.kind->name, options.id,
-                                points.IDS_IN_WORDS()));
-  }
-  if (options.mv_case < 1 || options.mv_case > counts.N_MV_CASE) {
-    notes.push_back(fmt::format("the files hold no moving load case {}; cases: {}", options.mv_case,
-                                counts.N_MV_CASE == 0 ? "none" : fmt::format("1 to {}", counts.N_MV_CASE)));
-    return notes;
-  }
-  const auto has_hb = [](const T_LANE_SIDE& lane) { return lane.loading.hb.has_value(); };
-  if (background.model.AXLE_LANES.EXISTS() && std::ranges::any_of(sides, [&](const T_SIDE_LOADING& side) {
-        return std::ranges::any_of(side.lanes, has_hb);
-      }))
-    notes.emplace_back("the model has axle lists: axles of an HB may run on other lanes than its own");
-  return notes;
-}
-
-const T_KIND& searched_kind(const std::string& text) {
-  const T_KIND& kind = *FIND_KIND(text);
-  if (IS_SEARCHED(kind)) return kind;
-  std::vector<std::string_view> searched;
-  for (const T_KIND& other : ALL_KINDS())
-    if (IS_SEARCHED(other)) searched.push_back(other.name);
-  throw T_TOOL_FAILURE(fmt::format("this version doesn't search {} results", kind.name),
-                       fmt::format("ask for one of {}", fmt::join(searched, ", ")));
-}
-
-T_ENVELOPE_REPORT work_out(const T_ENVELOPE_OPTIONS& options) {
-  const T_KIND& kind = searched_kind(options.kind);
-  T_ENVELOPE_REPORT report;
-  report.file = options.model.FIND_FILE();
-  report.kind = &kind;
-  report.id = options.id;
-  report.item = options.item;
-  report.mv_case = options.mv_case;
-
-  const T_PROGRESS progress(
-      fmt::format("searching {} {} of {}", kind.name, options.id, report.file.file_name));
-  const T_HOST_ANSWER answer = RUN_AS_HOST({.base_name = report.file.base_name,
-                                            .mode_code = report.file.analysis_code,
-                                            .result_kind = kind.result_kind,
-                                            .result_id = options.id,
-                                            .result_item = options.item,
-                                            .mv_case = options.mv_case});
-  const T_BACKGROUND background = read_background(report.file, kind);
-  const kernel::T_COUNTS& counts = background.model.COUNTS;
-  report.searched = answer.searched;
-  report.cases = counts.N_MV_CASE;
-  if (options.mv_case >= 1 && options.mv_case <= counts.N_MV_CASE)
-    report.combinations = counts.N_COMBINATION[static_cast<std::size_t>(options.mv_case - 1)];
-  report.has_several_classes = background.model.COMBINATIONS.BOOK().CLASSES().size() > 1;
-  report.kel_load = kel_load(background.model.VEHICLES);
-  const T_RECORD_TABLES tables{
-      background.model.LANES,
-      {background.model.POINTS_PER_SEGMENT, counts.KEEP_POINTS, counts.CLASS_LANES != 0,
-       kernel::IS_SECTION_ITEM(kind.result_kind, options.item)},
-      hb_vehicle(background.model.VEHICLES)};
-  for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
-    report.values[side] = answer.sides[side].value;
-    report.sides[side] = GOVERNING_LOADING(answer.sides[side], tables);
-    report.vehicle_names[side] = vehicle_name(background, report.sides[side].vehicle_class);
-  }
-  report.notes = notes_on(options, background, report.sides);
-  return report;
-}
-
 void run(const T_ENVELOPE_OPTIONS& options) {
-  const T_ENVELOPE_REPORT report = work_out(options);
+  const T_ENVELOPE_REPORT report = ANSWER_TO(options.question).report;
   PRINT(options.json ? ENVELOPE_JSON(report) : ENVELOPE_TEXT(report));
   for (const std::string& note : report.notes) fmt::print(stderr, "note: {}\n", note);
-}
-
-std::string kind_help() {
-  std::vector<std::string> names;
-  for (const T_KIND& kind : ALL_KINDS())
-    if (IS_SEARCHED(kind)) names.push_back(fmt::format("{} ({})", kind.name, kind.result_kind));
-  return fmt::format("Kind of result, by name or number:\n{}", fmt::join(names, ", "));
 }
 
 }  // namespace
@@ -190,19 +29,7 @@ void ADD_ENVELOPE_COMMAND(CLI::App& program) {
   const auto options = std::make_shared<T_ENVELOPE_OPTIONS>();
   CLI::App& command =
       *program.add_subcommand("envelope", "Work out the envelope of one result and its governing loading");
-  ADD_MODEL_OPTIONS(command, options->model);
-  command.add_option("--kind", options->kind, kind_help())
-      ->required()
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            return FIND_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text)
-                                              : std::string();
-          },
-          ""))
-      ->type_name("KIND");
-  command.add_option("--id", options->id, "Number of the node, support or element")->required();
-  command.add_option("--item", options->item, "Component, from 1")->required();
-  command.add_option("--case", options->mv_case, "Moving load case, from 1")->required();
+  ADD_QUESTION_OPTIONS(command, options->question);
   command.add_flag("--json", options->json, "Print JSON, for programs");
   command.footer(
       "Example, the moment at midspan of the inner beam of the example bridge under HA loading:\n"

@@ -1,4 +1,4 @@
-// The command line program: three commands over the library.
+// The command line program: four commands over the library.
 //
 // Exit codes: 0 done, 1 the work failed, 2 the command line is wrong. Results go to standard output, messages
 // to standard error: what went wrong in one line, what to do about it in the next.
@@ -14,6 +14,7 @@
 #include "tools/command_envelope.h"
 #include "tools/command_example.h"
 #include "tools/command_inspect.h"
+#include "tools/command_plot.h"
 #include "tools/tool_failure.h"
 
 namespace {
@@ -42,10 +43,12 @@ int run(int argc, char** argv) {
       "  movload example demo\n"
       "  movload inspect demo/bridge\n"
       "  movload envelope demo/bridge --kind simb --id 3 --item 3 --case 1\n"
+      "  movload plot demo/bridge --kind simb --id 3 --item 3 --case 1 -o moment.svg\n"
       "Each command has a --help of its own. Exit codes: 0 done, 1 failed, 2 wrong usage.");
   tools::ADD_EXAMPLE_COMMAND(program);
   tools::ADD_INSPECT_COMMAND(program);
   tools::ADD_ENVELOPE_COMMAND(program);
+  tools::ADD_PLOT_COMMAND(program);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -51,7 +51,7 @@ json() {
 # Help and version.
 expect 0 --version
 says out "movload "
-for command in example inspect envelope; do
+for command in example inspect envelope plot; do
   expect 0 "$command" --help
   says out "Example"
 done
@@ -126,6 +126,31 @@ json "abs(answer['maximum']['value'] - 495) < 0.001"
 expect 0 example . --which two-span --span 20,30
 expect 0 envelope two_span --kind simb --id 1 --item 1 --case 1
 says out "no combination goes above 0"
+
+# Pictures, with names and titles that mean something to a shell, to gnuplot and to XML.
+title="it's \$(touch pwned) \`touch pwned\` {/:Bold x}_1 & <b>"
+picture="a folder/it's \"one\".svg"
+expect 0 plot $bridge --kind simb --id 3 --item 3 --case 4 --unit kNm --title "$title" -o "$picture" --script plot.gp
+says out "Written: $picture"
+python3 -c "import sys, xml.dom.minidom as xml; xml.parse(sys.argv[1])" "$picture" || fault "$picture: no XML"
+says "$picture" "MAXIMUM  2742"
+says "$picture" "HB type 1, 4 × 450 kN"
+says "$picture" "1.8 + 6 + 1.8 m"
+says "$picture" "25 m clear"
+says "$picture" "KEL 120 kN"
+says "$picture" "it's \$(touch pwned) \`touch pwned\` {/:Bold x}_1 &amp; &lt;b>"
+says plot.gp "set multiplot"
+if [[ -e pwned ]] || compgen -G "a folder/*.new" >/dev/null; then fault "a picture leaves more than itself"; fi
+expect 0 plot $bridge --kind disp --id 176 --item 3 --case 6 --side min --lane 4 -o straddling.PNG
+if [[ "$(head -c 4 straddling.PNG | tail -c 3)" != PNG ]]; then fault "straddling.PNG: no picture"; fi
+expect 2 plot $bridge --kind simb --id 3 --item 3 --case 4 -o picture.pdf
+expect 1 plot $bridge --kind simb --id 3 --item 3 --case 4 -o nowhere/picture.svg
+expect 1 plot $bridge --kind simb --id 3 --item 3 --case 4 --lane 5 -o picture.svg
+says err "--lane of 1 to 4"
+expect 1 plot $bridge --kind simb --id 6 --item 3 --case 4 -o picture.svg
+says err "the files hold no simb 6"
+PATH=/nowhere "$movload" plot $bridge --kind simb --id 3 --item 3 --case 4 -o picture.svg >out 2>err && fault "no gnuplot"
+says err "gnuplot-nox"
 
 # A file of other contents stays.
 expect 1 example "a folder" --which span --span 30

@@ -1,0 +1,70 @@
+// What is drawn of a governing loading, added up by hand, must be the value that governs.
+#include "tools/plot_loading.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+#include "modelkit/model_writer.h"
+#include "modelkit/random_model.h"
+#include "tests/temporary_directory.h"
+#include "tools/plot_canvas.h"
+
+namespace tools {
+namespace {
+
+/// Parents that carry loads of their own besides are left out: the records of the HB stand in their place.
+bool tells_all(const T_SIDE_LOADING& loading) {
+  return std::ranges::none_of(loading.lanes, [](const T_LANE_SIDE& lane) {
+    return lane.parent_portions[0] != lane.parent_portions[1];
+  });
+}
+
+/// Adds a beam whose line jumps at its points: its values before and after them are those of other results.
+void add_beam(modelkit::T_MODEL& model) {
+  constexpr std::size_t VALUES = 68;
+  modelkit::T_RESPONSE beam{1, {}};
+  const std::vector<std::vector<float>>& others = model.disp.front().values;
+  for (std::size_t k = 0; k < VALUES; ++k) beam.values.push_back(others[k % others.size()]);
+  model.beams = {beam};
+}
+
+TEST(PlotLoading, DrawnLoadsAddUpToTheValue) {
+  const TEMPORARY_DIRECTORY directory;
+  modelkit::T_RANDOM_OPTIONS options;
+  options.max_classes = 1;
+  options.other_sub_cases = 0.6;
+  options.straddle_lanes = 0.5;
+  options.longest_step = 8.0;
+  int vehicles = 0;
+  for (std::uint64_t seed = 1; seed <= 120; ++seed) {
+    options.axle_lists = seed % 2 == 0 ? 0.5 : 0.0;
+    options.class_definitions = seed % 2 == 0 ? 0.0 : 0.5;
+    std::mt19937_64 random(seed);
+    modelkit::T_MODEL model = modelkit::RANDOM_MODEL(random, options);
+    add_beam(model);
+    modelkit::WRITE_MODEL(model, directory.NAME());
+    T_ENVELOPE_QUESTION question{{directory.NAME(), std::nullopt}, "disp", model.disp.front().id, 3, 1};
+    if (seed % 3 == 0) question = {question.model, "beam", 1, 8, 1};
+    for (; question.mv_case <= static_cast<std::int32_t>(model.moving_load_cases.size());
+         ++question.mv_case) {
+      const T_ENVELOPE_ANSWER answer = ANSWER_TO(question);
+      for (const T_DRAWN_SIDE& drawn : DRAW_ANSWER(answer)) {
+        if (!tells_all(answer.report.sides[drawn.side])) continue;
+        EXPECT_TRUE(drawn.ADDS_UP()) << "model " << seed << ", case " << question.mv_case << ", side "
+                                     << drawn.side;
+        for (const T_DRAWN_LANE& lane : drawn.lanes) vehicles += lane.hb ? 1 : 0;
+      }
+    }
+  }
+  EXPECT_GT(vehicles, 50);
+}
+
+TEST(PlotCanvas, TextsReachGnuplotAsTheyAre) {
+  EXPECT_EQ(GNUPLOT_STRING("it's `x` \"y\"\n$(z)"), "'it''s `x` \"y\"?$(z)'");
+}
+
+}  // namespace
+}  // namespace tools
