@@ -145,6 +145,7 @@ struct T_FILE_FORM {
   std::int32_t unused_groups = 0;       // header groups of foreign blocks written in front of ours
   bool header_groups_behind = false;    // headers after the first stand behind the blocks, last first
   std::int32_t format_number = 9600;    // third word of block IFSV
+  bool responses = true;                // else neither blocks nor files of responses, as beside volumes
   std::vector<std::string> left_out{};  // tags of blocks that aren't written
 };
 

@@ -371,22 +371,9 @@ block_image local_axes_block(const T_MODEL& model) {
   return block;
 }
 
-std::vector<block_image> build_blocks(const T_MODEL& model, const T_FILE_FORM& form) {
+void add_response_blocks(const T_MODEL& model, std::vector<block_image>& blocks) {
   constexpr std::int32_t ELEMENT_COMPONENTS = 12;
   constexpr std::int32_t LINK_HEAD = 3;
-  std::vector<block_image> blocks;
-  blocks.push_back(format_block(form));
-  blocks.push_back(counts_block(model));
-  blocks.push_back(element_counts_block(model, form));
-  blocks.push_back(combinations_block(model));
-  blocks.push_back(vehicles_block(model, form));
-  if (model.class_lanes && !model.class_definitions.empty()) {
-    const std::int32_t max_pairs = most_class_pairs(model);
-    blocks.push_back(class_shapes_block(model, max_pairs));
-    blocks.push_back(class_links_block(model, max_pairs));
-  }
-  blocks.push_back(lanes_block(model));
-  if (!model.axle_lists.empty()) blocks.push_back(axle_lists_block(model));
   if (!model.disp.empty()) blocks.push_back(addressed_block("DISP", model, model.disp, 0, model.n_dof));
   if (!model.ldisp.empty()) {
     blocks.push_back(listed_block("LDSP", model, model.ldisp, false));
@@ -400,6 +387,23 @@ std::vector<block_image> build_blocks(const T_MODEL& model, const T_FILE_FORM& f
     blocks.push_back(addressed_block("ELNK", model, model.elnk, LINK_HEAD, ELEMENT_COMPONENTS));
   if (!model.nlnk.empty())
     blocks.push_back(addressed_block("NLNK", model, model.nlnk, LINK_HEAD, ELEMENT_COMPONENTS));
+}
+
+std::vector<block_image> build_blocks(const T_MODEL& model, const T_FILE_FORM& form) {
+  std::vector<block_image> blocks;
+  blocks.push_back(format_block(form));
+  blocks.push_back(counts_block(model));
+  blocks.push_back(element_counts_block(model, form));
+  blocks.push_back(combinations_block(model));
+  blocks.push_back(vehicles_block(model, form));
+  if (model.class_lanes && !model.class_definitions.empty()) {
+    const std::int32_t max_pairs = most_class_pairs(model);
+    blocks.push_back(class_shapes_block(model, max_pairs));
+    blocks.push_back(class_links_block(model, max_pairs));
+  }
+  blocks.push_back(lanes_block(model));
+  if (!model.axle_lists.empty()) blocks.push_back(axle_lists_block(model));
+  if (form.responses) add_response_blocks(model, blocks);
   std::erase_if(blocks,
                 [&](const block_image& block) { return std::ranges::count(form.left_out, block.tag) > 0; });
   return blocks;
@@ -578,7 +582,7 @@ T_FILE_LAYOUT WRITE_MODEL(const T_MODEL& model, const std::string& base_name, co
     std::ranges::copy(images[i].data,
                       file.begin() + static_cast<std::ptrdiff_t>(layout.blocks[i].OFFSET(1) / 4));
   write_file(layout.path, file);
-  WRITE_ELEMENT_FILES(model, layout.path);
+  WRITE_ELEMENT_FILES(form.responses ? model : T_MODEL{}, layout.path);
   layout.size = 4 * end;
   return layout;
 }
@@ -589,11 +593,15 @@ void OVERWRITE_WORD(const T_FILE_LAYOUT& layout, const std::string& tag, std::in
 }
 
 void OVERWRITE_WORD_AT(const T_FILE_LAYOUT& layout, std::int64_t offset, std::int32_t value) {
-  std::fstream file(layout.path, std::ios::binary | std::ios::in | std::ios::out);
+  OVERWRITE_WORD_AT(layout.path, offset, value);
+}
+
+void OVERWRITE_WORD_AT(const std::string& path, std::int64_t offset, std::int32_t value) {
+  std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
   file.seekp(offset);
   file.write(reinterpret_cast<const char*>(&value), sizeof value);
   file.close();
-  if (!file) throw std::runtime_error("can't change " + layout.path);
+  if (!file) throw std::runtime_error("can't change " + path);
 }
 
 }  // namespace modelkit

@@ -62,5 +62,6 @@ void OVERWRITE_WORD(const T_FILE_LAYOUT& layout, const std::string& tag, std::in
 
 /// Overwrites the word at a byte of a written file, as for its directory.
 void OVERWRITE_WORD_AT(const T_FILE_LAYOUT& layout, std::int64_t offset, std::int32_t value);
+void OVERWRITE_WORD_AT(const std::string& path, std::int64_t offset, std::int32_t value);
 
 }  // namespace modelkit

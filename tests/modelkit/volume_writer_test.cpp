@@ -1,0 +1,203 @@
+// Influence volumes: what stands where, which ids each set has, and where values of a response go.
+#include "modelkit/volume_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "modelkit/model_writer.h"
+#include "tests/temporary_directory.h"
+
+namespace modelkit {
+namespace {
+
+using words = std::vector<std::int32_t>;
+constexpr std::int32_t U = std::bit_cast<std::int32_t>(UNREAD_WORD);
+
+words words_of(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(in), {});
+  words result(bytes.size() / 4);
+  std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(result.data()));
+  EXPECT_EQ(bytes.size() % 4, 0U);
+  return result;
+}
+
+words joined(const std::vector<words>& parts) {
+  words result;
+  for (const words& part : parts) result.insert(result.end(), part.begin(), part.end());
+  return result;
+}
+
+words reals(const std::vector<float>& values) {
+  words result;
+  for (const float value : values) result.push_back(std::bit_cast<std::int32_t>(value));
+  return result;
+}
+
+TEST(volume_set, every_word_stands_where_the_format_has_it) {
+  const TEMPORARY_DIRECTORY files;
+  const T_VOLUME_SET set{
+      .header_word = 5,
+      .load_ids = {7, 9},
+      .words_before_loads = 1,
+      .volumes = {
+          {{.ids = {3}, .item_codes = {31, 32}, .result_code = 401, .data = {1, 2, 3, 4}},
+           {.tag = STREAM_GROUPS, .element_nodes = {{5, {8, 9}}, {6, {}}}, .second_groups = {{4, {2}}}},
+           {.tag = 13, .ids = {-1, 2}}},
+          {{.tag = STREAM_ELEMENTS, .ids = {4, 5}, .item_codes = {41}, .points = 2, .data = {8}}},
+          {}}};
+  WRITE_VOLUME_SET({.volumes = {{}, {}, {}, {}}}, files.NAME());  // an older set
+  const T_VOLUME_LAYOUT layout = WRITE_VOLUME_SET(set, files.NAME());
+  ASSERT_EQ(layout.paths, (std::vector{files.NAME("model_000.BLK"), files.NAME("model_001.BLK"),
+                                       files.NAME("model_002.BLK")}));
+  EXPECT_FALSE(std::filesystem::exists(files.NAME("model_003.BLK")));
+  EXPECT_EQ(words_of(layout.paths[0]), joined({{5, U, 3, U, U, U, 36, 0, U, U, 2, 7, 9},
+                                               {1, 1, 3, U, 2, 31, 32, U, 401},
+                                               words(36, U),
+                                               reals({1, 2, 3, 4}),
+                                               {12, 2, 5, 2, 8, 9, 6, 0, 1, 4, 1, 2},
+                                               {13, 2, -1, 2},
+                                               {-1}}));
+  EXPECT_EQ(words_of(layout.paths[1]), joined({{2, 2, 4, 5, U, 1, 41, U, 0},
+                                               words(13, U),
+                                               {2},
+                                               words(22, U),
+                                               reals({8, 0, 0, 0, 0, 0, 0, 0}),
+                                               {-1}}));
+  EXPECT_EQ(words_of(layout.paths[2]), words{-1});
+  EXPECT_EQ(layout.blocks[3].volume, 2);
+  EXPECT_EQ(layout.blocks[0].data_offset, 4 * (13 + 9 + 36));
+  EXPECT_EQ(layout.blocks[3].record_bytes, 16);
+  EXPECT_TRUE(VOLUME_PATH("x", 1000).ends_with("x_999.BLK"));
+  EXPECT_THROW(VOLUME_PATH("x", 1001), std::runtime_error);
+}
+
+TEST(volume_set, a_set_beyond_4_gb_is_written_without_its_data) {
+  const TEMPORARY_DIRECTORY files;
+  const T_VOLUME_LAYOUT layout = WRITE_VOLUME_SET(
+      LARGE_VOLUME_SET({.nodes = 1000, .beams = 0, .loads = 200'000, .ids_per_block = 300, .volumes = 1}),
+      files.NAME());
+  ASSERT_EQ(layout.blocks.size(), 4U);
+  const T_WRITTEN_VOLUME_BLOCK& last = layout.blocks.back();
+  EXPECT_GT(last.data_offset, std::int64_t{1} << 32U);
+  EXPECT_EQ(std::filesystem::file_size(layout.paths[0]),
+            static_cast<std::uintmax_t>(last.data_offset + 100 * std::int64_t{4'800'000} + 4));
+}
+
+/// Value v of every response is v under load 1 and 1000 + v under load 2.
+T_RESPONSE telling_response(std::int32_t id, int values) {
+  T_RESPONSE response{.id = id};
+  for (int v = 1; v <= values; ++v)
+    response.values.push_back({static_cast<float>(v), static_cast<float>(1000 + v)});
+  return response;
+}
+
+/// Where value v stands: in the block of a code with so many items, at a point and an item of its record.
+struct T_PLACE {
+  std::int32_t id, code, items;
+  int point, item, value;
+};
+// clang-format off
+constexpr T_PLACE PLACES[] = {
+    {1, 101, 6, 1, 6, 6},
+    {1, 120401, 6, 2, 6, 12}, {2, 520401, 6, 2, 1, 7}, {3, 540401, 6, 1, 5, 5},
+    {4, 190401, 2, 1, 1, 1}, {4, 190401, 2, 2, 1, 2},  // an even truss has the other code
+    // beams: the middle stations in pairs, the later first; stresses at stations 1, 2, 4, 6 and 8
+    {5, 140401, 6, 1, 6, 6}, {5, 140401, 6, 3, 1, 7}, {5, 140401, 6, 2, 1, 8}, {5, 140401, 6, 2, 6, 18},
+    {5, 140401, 6, 5, 1, 19}, {5, 140401, 6, 6, 6, 42}, {5, 140401, 6, 8, 1, 43},
+    {5, 142101, 7, 1, 4, 49}, {5, 142101, 7, 4, 4, 57}, {5, 142101, 7, 8, 7, 68},
+    {6, 420401, 8, 5, 8, 40}, {6, 412151, 7, 1, 5, 41}, {6, 412151, 7, 1, 1, 44}, {6, 412151, 7, 5, 3, 70},
+    {7, 140401, 9, 3, 1, 7}, {7, 140401, 9, 1, 7, 49}, {7, 140401, 9, 3, 7, 52}, {7, 140401, 9, 2, 7, 53},
+    {7, 140401, 9, 8, 9, 72}, {7, 142101, 19, 1, 5, 73}, {7, 142101, 19, 1, 12, 77},
+    {7, 142101, 19, 2, 5, 85}, {7, 142101, 19, 8, 19, 132},
+    // solids have no forces at their first point; composite bars have their second part behind the first
+    {8, 319101, 3, 2, 1, 1}, {8, 319101, 3, 9, 3, 24}, {8, 312101, 6, 1, 1, 25}, {8, 312101, 6, 9, 6, 78},
+    {5, 30'000'601, 6, 9, 1, 36}, {5, 30'000'101, 10, 8, 5, 35}, {5, 30'000'101, 10, 9, 2, 51},
+    {9, 80'000'007, 4, 1, 3, 3},
+};
+// clang-format on
+
+TEST(volume_writer, values_stand_where_they_are_read) {
+  T_MODEL model{.unit_loads = 2};
+  model.disp = {telling_response(1, 6)};
+  model.simb = model.elnk = model.nlnk = {telling_response(1, 12)};
+  model.trusses = {telling_response(1, 2)};
+  model.beams = {telling_response(1, 68)};
+  model.plates = {telling_response(1, 70)};
+  model.walls = {telling_response(1, 132)};
+  T_VOLUME_FORM form{.lists_in_turn = true, .both_codes = true, .foreign_blocks = true};
+  form.host_elements = {.composite_bars = {telling_response(5, 70)},
+                        .virtual_bars = {telling_response(9, 4)},
+                        .solids = {telling_response(8, 78)},
+                        .composite_parts = 2};
+  EXPECT_THROW(VOLUME_SETS(model, form), std::invalid_argument);
+  model = NUMBER_ELEMENTS_APART(model);
+  const std::vector<T_VOLUME_BLOCK> blocks = VOLUME_SETS(model, form).primary.volumes.at(0);
+  for (const auto& [id, code, items, point, item, value] : PLACES) {
+    int found = 0;
+    for (const T_VOLUME_BLOCK& block : blocks) {
+      if (block.result_code != code || std::ssize(block.item_codes) != items) continue;
+      ++found;
+      EXPECT_EQ(block.ids, words{id}) << code;
+      const int per_point = code / 10'000'000 == 3 ? items / 2 : items;  // of a composite bar in each part
+      const auto at = static_cast<std::size_t>(2 * ((point - 1) * per_point + item - 1));
+      ASSERT_LT(at + 1, block.data.size()) << code;
+      EXPECT_EQ(block.data[at], static_cast<float>(value)) << code;
+      EXPECT_EQ(block.data[at + 1], static_cast<float>(1000 + value)) << code;
+    }
+    EXPECT_EQ(found, 1) << code;
+  }
+}
+
+TEST(model_writer, a_directory_file_beside_volumes_has_no_responses) {
+  const TEMPORARY_DIRECTORY files;
+  const T_MODEL model{.disp = {telling_response(1, 6)}, .beams = {telling_response(1, 68)}};
+  for (const bool responses : {true, false}) {
+    const T_FILE_LAYOUT layout = WRITE_MODEL(model, files.NAME(), {.responses = responses});
+    EXPECT_EQ(std::filesystem::exists(layout.path + "B1"), responses);
+    EXPECT_EQ(std::ranges::count(layout.blocks, "DISP", &T_WRITTEN_BLOCK::tag), responses ? 1 : 0);
+  }
+}
+
+/// Under load 1 and load 2; the included set has the first.
+TEST(volume_writer, a_set_lacks_what_is_0_in_it_as_far_as_lists_can_be_joined) {
+  struct T_CASE {
+    std::vector<std::pair<float, float>> values;  // of the ids from 1
+    words included, primary;                      // ids
+    words included_support, primary_support;
+  };
+  const std::vector<T_CASE> cases = {
+      {{{1, 1}, {0, 1}, {1, 0}, {0, 1}, {0, 0}}, {1, 3, 5}, {1, 2, 4, 5}, {1, 3}, {1, 2, 4, 5}},
+      {{{1, 0}, {0, 1}, {1, 0}}, {1, 3}, {2, 3}, {1, 3}, {2, 3}},
+      {{{1, 1}, {0, 1}, {1, 0}, {1, 1}}, {1, 3, 4}, {1, 2, 3, 4}, {1, 3, 4}, {1, 2, 3, 4}},
+      {{{1, 0}, {-0.0F, 0}, {0, 1}}, {1, 2, 3}, {3}, {1, 2}, {3}},
+      {{{1, 0}, {1, 0}}, {1, 2}, {}, {1, 2}, {}}};
+  for (const T_CASE& lists : cases) {
+    T_MODEL model{.unit_loads = 2};
+    for (const auto& [first, second] : lists.values)
+      model.disp.push_back(
+          {.id = static_cast<std::int32_t>(model.disp.size()) + 1, .values = {{first, second}}});
+    model.reac = model.disp;
+    const T_VOLUME_SETS sets = VOLUME_SETS(model, {.included_loads = 1, .leave_out_zeros = true});
+    const auto ids = [](const T_VOLUME_SET& set, std::int32_t code) {
+      for (const T_VOLUME_BLOCK& block : set.volumes[0])
+        if (block.result_code == code) return block.ids;
+      return words{};
+    };
+    ASSERT_TRUE(sets.included);
+    EXPECT_EQ(ids(*sets.included, 101), lists.included);
+    EXPECT_EQ(ids(sets.primary, 101), lists.primary);
+    EXPECT_EQ(ids(*sets.included, 401), lists.included_support);
+    EXPECT_EQ(ids(sets.primary, 401), lists.primary_support);
+    EXPECT_EQ(sets.primary.load_ids, words{2});
+  }
+}
+
+}  // namespace
+}  // namespace modelkit
