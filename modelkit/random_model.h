@@ -25,8 +25,9 @@ struct T_RANDOM_OPTIONS {
 
 /// A valid model: references, codes and counts within their bounds, straddle lanes last with at least three
 /// planes, lane numbers of axle lists on lanes with the same stations. Responses are waves of both signs,
-/// with values and runs that are exactly 0 or equal among them; ids are drawn with gaps. Equal states of the
-/// generator give equal models.
+/// with values and runs that are exactly 0 or equal among them, and jumps in those of beams and walls; ids
+/// are drawn with gaps, and elements lie in up to four files. Equal states of the generator give equal
+/// models.
 T_MODEL RANDOM_MODEL(std::mt19937_64& random, const T_RANDOM_OPTIONS& options = {});
 
 }  // namespace modelkit

@@ -5,12 +5,14 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "tests/host/result_items.h"
 #include "tests/search/plain_hb.h"
 
 namespace plain {
@@ -59,7 +61,7 @@ using ROW = std::vector<float>;
 /// A lane under the result in hand.
 struct LANE_LINES {
   ROW X;
-  std::vector<ROW> PLANES;  // one in an ordinary lane
+  PLANES ROWS;  // one in an ordinary lane
   std::array<int, 2> KEL_POINT{};
   std::array<int, 2> RANGE_COUNT{};
 };
@@ -100,8 +102,17 @@ enum { COMB_TYPE = 9, FIELDS = 10, NUMBERS_USED = 500, NUMBERS_ALL = 1000 };
 
 class JUDGE {
  public:
-  JUDGE(const T_MODEL& model, host::ARGUMENTS& host, int host_lanes, MET& met)
-      : model_(model), host_(host), host_lanes_(host_lanes), met_(met) {
+  JUDGE(const T_MODEL& model, host::ARGUMENTS& host, int host_lanes, std::int32_t kind, std::int32_t id,
+        std::int32_t item, MET& met)
+      : model_(model),
+        host_(host),
+        host_lanes_(host_lanes),
+        kind_(kind),
+        id_(id),
+        item_(item),
+        may_jump_(MAY_JUMP(kind, item)),
+        met_(met),
+        family_(KIND_OF(kind)) {
     for (const T_LANE& lane : model.lanes) {
       straddle_lanes_ += lane.is_straddle ? 1 : 0;
       max_points_ = std::max(max_points_, count(lane.points));
@@ -112,16 +123,29 @@ class JUDGE {
       for (const T_VEHICLE& vehicle : group.vehicles) add_vehicle(group.group, vehicle);
   }
 
-  void run(std::int32_t analysis_code, std::int32_t kind, std::int32_t id, std::int32_t item,
-           std::int32_t mv_case) {
+  /// An item that its kind hasn't got, a block that isn't there, an element that its files don't hold.
+  [[nodiscard]] bool fails() const {
+    if (!has_routine()) return false;
+    if (item_ < 1 || item_ > ITEMS_OF(*family_, model_)) return true;
+    const std::vector<T_RESPONSE>& responses = model_.*family_->RESPONSES;
+    if (!family_->OF_ELEMENTS) return responses.empty() && kind_ != MOVLOAD_RK_LDSP;
+    constexpr int FILES = 9;
+    const int per_file = model_.elements_per_file;
+    int last = 0;
+    for (const T_RESPONSE& response : responses) last = std::max(last, response.id);
+    return per_file < 1 || id_ < 1 || id_ > last || (id_ - 1) / per_file >= FILES;
+  }
+
+  void run(std::int32_t analysis_code, std::int32_t mv_case) {
     const bool reads_definitions = analysis_code < 2 || analysis_code == 3;
     has_definitions_ = reads_definitions && model_.class_lanes && !model_.class_definitions.empty();
 
     host_.NUM_LANE = lanes();
     clear();
     std::array<BEST, 2> best;
-    if (fetch(kind, id, item)) {
-      find_lane_vehicles();
+    find_lane_vehicles();
+    if (kind_ == MOVLOAD_RK_TRUSS && fetch({1})) list_sets();
+    if (has_routine() && fetch(VALUES_OF(kind_, item_))) {
       for (int lane = 1; lane <= lanes(); ++lane) lines_.push_back(lines_of(lane));
       best = combine(mv_case);
       host_.FINAL_MAX = static_cast<double>(best[0].PEAK);
@@ -142,6 +166,11 @@ class JUDGE {
   [[nodiscard]] int lanes() const { return count(model_.lanes); }
   [[nodiscard]] int ordinary() const { return lanes() - straddle_lanes_; }
   [[nodiscard]] bool straddles(int lane) const { return lane > ordinary(); }
+
+  /// Without local reactions their routine isn't called.
+  [[nodiscard]] bool has_routine() const {
+    return family_ != nullptr && (kind_ != MOVLOAD_RK_LRAC || !model_.lrac.empty());
+  }
 
   void add_vehicle(std::int32_t group, const T_VEHICLE& vehicle) {
     const int loads = vehicle.load_count.value_or(count(vehicle.loads));
@@ -178,43 +207,30 @@ class JUDGE {
     }
   }
 
-  /// The component of the result under every unit load; false where the kind has nothing to search.
-  bool fetch(std::int32_t kind, std::int32_t id, std::int32_t item) {
-    load_ord_.values.assign(static_cast<std::size_t>(model_.unit_loads), 0.0F);
-    // Blocks addressed by id: where two responses share an id, the later stands over the earlier.
-    const auto by_id = [&](const std::vector<T_RESPONSE>& responses) {
-      for (const T_RESPONSE& response : responses)
-        if (response.id == id) take(response, item);
-      return true;
-    };
-    // Blocks searched from their start for the number.
-    const auto first_of = [&](const std::vector<T_RESPONSE>& responses) {
-      for (const T_RESPONSE& response : responses) {
-        if (response.id != id) continue;
-        take(response, item);
-        return true;
-      }
-      return false;
-    };
-    // clang-format off
-    switch (kind) {
-      case MOVLOAD_RK_DISP: return by_id(model_.disp);
-      case MOVLOAD_RK_SIMB: return by_id(model_.simb);
-      case MOVLOAD_RK_ELNK: return by_id(model_.elnk);
-      case MOVLOAD_RK_NLNK: return by_id(model_.nlnk);
-      case MOVLOAD_RK_REAC: return first_of(model_.reac), true;
-      case MOVLOAD_RK_LRAC: return first_of(model_.lrac), !model_.lrac.empty();
-      case MOVLOAD_RK_LDSP: return first_of(model_.ldisp);
-      default: return false;
+  /// Values of the result under every unit load, those before and after a point; false where a run has
+  /// nothing to search.
+  bool fetch(const std::vector<int>& values) {
+    for (LIST<float>& load_ord : load_ord_)
+      load_ord.values.assign(static_cast<std::size_t>(model_.unit_loads), 0.0F);
+    two_columns_ = values.size() == 2;
+    // These are searched from their start for the number, all others addressed by it: where two responses
+    // share a number, the later stands over the earlier.
+    const bool takes_first = kind_ == MOVLOAD_RK_REAC || kind_ == MOVLOAD_RK_LRAC || kind_ == MOVLOAD_RK_LDSP;
+    bool is_found = false;
+    for (const T_RESPONSE& response : model_.*family_->RESPONSES) {
+      if (response.id != id_ || (takes_first && is_found)) continue;
+      is_found = true;
+      take(response, values.front(), load_ord_[0]);
+      take(response, values.back(), load_ord_[1]);
     }
-    // clang-format on
+    return is_found || kind_ != MOVLOAD_RK_LDSP;
   }
 
-  void take(const T_RESPONSE& response, std::int32_t item) {
-    if (item > count(response.values)) return;
-    const std::vector<float>& line = entry(response.values, item);
+  void take(const T_RESPONSE& response, int value, LIST<float>& load_ord) const {
+    if (value > count(response.values)) return;
+    const std::vector<float>& line = entry(response.values, value);
     for (int load = 1; load <= std::min(model_.unit_loads, count(line)); ++load)
-      load_ord_(load) = entry(line, load);
+      load_ord(load) = entry(line, load);
   }
 
   static T_LANE_LOAD load_on(const T_COMBINATION& combination, int lane) {
@@ -237,31 +253,35 @@ class JUDGE {
     }
   }
 
-  /// Sums of entries: in a straddle lane by plane, else of all in one row (no planes). `add` adds entry t of
-  /// point k to a sum.
+  /// Sums of entries: in a straddle lane by plane, else of all in one row (no planes). `add` gives the terms
+  /// of entry t of point k, a weight and a unit load each.
   template <class ADD>
-  [[nodiscard]] std::vector<ROW> rows_of(int planes, int entries, int per_plane, int points, ADD add) const {
+  [[nodiscard]] PLANES rows_of(int planes, int entries, int per_plane, int points, ADD add) const {
     const int per_row = planes == 0 ? entries : per_plane;
-    std::vector<ROW> rows;
-    for (int q = 1; q <= std::max(planes, 1); ++q) {
-      rows.push_back(empty_row());
-      for (int k = 1; k <= points; ++k)
-        for (int t = (q - 1) * per_row + 1; t <= std::min(q * per_row, entries); ++t)
-          add(k, t, rows.back()[static_cast<std::size_t>(k) - 1]);
+    PLANES rows = empty_rows(planes);
+    for (int q = 1; q <= count(rows); ++q) {
+      for (int k = 1; k <= points; ++k) {
+        const auto add_term = [&](float weight, int load) {
+          ORDINATES& row = rows[static_cast<std::size_t>(q) - 1];
+          row.BEFORE[static_cast<std::size_t>(k) - 1] += weight * load_ord_[0](load);
+          row.AFTER[static_cast<std::size_t>(k) - 1] += weight * load_ord_[1](load);
+        };
+        for (int t = (q - 1) * per_row + 1; t <= std::min(q * per_row, entries); ++t) add(k, t, add_term);
+      }
     }
     return rows;
   }
 
-  [[nodiscard]] std::vector<ROW> link_rows(const T_LANE& lane, int planes) const {
+  [[nodiscard]] PLANES link_rows(const T_LANE& lane, int planes) const {
     constexpr int SPREAD_PAIRS = 4;
     const int E = lane.entries_per_point;
     const auto F = static_cast<double>(static_cast<float>(1.0 / (planes == 0 ? E : lane.entries_per_plane)));
-    return rows_of(planes, E, lane.entries_per_plane, count(lane.points), [&](int k, int t, float& sum) {
+    return rows_of(planes, E, lane.entries_per_plane, count(lane.points), [&](int k, int t, auto add_term) {
       const T_INFLUENCE_POINT& point = entry(lane.points, k);
       if (t > count(point.entries)) return;
       const double G = point.impact + 1.0;
       const auto add = [&](const T_LOAD_SHARE& share) {
-        sum += static_cast<float>(share.weight * F * G) * load_ord_(share.load);
+        add_term(static_cast<float>(share.weight * F * G), share.load);
       };
       for (const T_LOAD_SHARE& link : {entry(point.entries, t).a, entry(point.entries, t).b}) {
         if (link.load > 0) add(link);
@@ -272,20 +292,22 @@ class JUDGE {
     });
   }
 
-  [[nodiscard]] std::vector<ROW> class_rows(const T_CLASS_DEFINITION& definition, int planes,
-                                            int points) const {
+  [[nodiscard]] PLANES class_rows(const T_CLASS_DEFINITION& definition, int planes, int points) const {
     const int D = definition.entries_per_plane;
     const float W = 1.0F / static_cast<float>(D);
     const int defined = std::min(points, count(definition.links));
-    return rows_of(planes, definition.entries_per_point, D, defined, [&](int k, int t, float& sum) {
+    return rows_of(planes, definition.entries_per_point, D, defined, [&](int k, int t, auto add_term) {
       const auto& entries = entry(definition.links, k);
       if (t > count(entries)) return;
       for (const T_LOAD_SHARE& share : entry(entries, t))
-        sum += static_cast<float>(share.weight) * W * load_ord_(share.load);
+        add_term(static_cast<float>(share.weight) * W, share.load);
     });
   }
 
-  [[nodiscard]] ROW empty_row() const { return ROW(static_cast<std::size_t>(max_points_) + 1); }
+  [[nodiscard]] PLANES empty_rows(int planes) const {
+    const ROW row(static_cast<std::size_t>(max_points_) + 1);
+    return PLANES(static_cast<std::size_t>(std::max(planes, 1)), {row, row});
+  }
   [[nodiscard]] static ROW positions(const T_LANE& lane) {
     ROW x;
     for (const T_INFLUENCE_POINT& point : lane.points) x.push_back(static_cast<float>(point.x));
@@ -293,16 +315,16 @@ class JUDGE {
   }
 
   /// Gives how many points are left. What stands behind them stays as it was.
-  int drop_repeated_points(const T_LANE& lane, ROW& x, std::vector<ROW>& planes) const {
+  int drop_repeated_points(const T_LANE& lane, ROW& x, PLANES& planes) const {
     int n = count(x);
-    if (model_.class_lanes || lane.keep_points) return n;
+    if (may_jump_ || model_.class_lanes || lane.keep_points) return n;
     for (int i = 1; i < n; ++i) {
       int j = i + 1;
       while (j <= n && entry(x, j) != entry(x, i)) ++j;
       if (j > n) continue;
       const auto shift = [=](ROW& row) { std::copy(row.begin() + j, row.begin() + n, row.begin() + j - 1); };
       shift(x);
-      for (ROW& plane : planes) shift(plane);
+      for (ORDINATES& plane : planes) shift(plane.BEFORE), shift(plane.AFTER);
       --n;
     }
     return n;
@@ -318,14 +340,16 @@ class JUDGE {
     LANE_LINES lines{positions(own), link_rows(own, planes_of(lane)), {}, {}};
     std::array<float, 2> peak{};
     for (int k = 1; k <= max_points_ + 1; ++k) {
-      const float ordinate = entry(lines.PLANES[0], k);
-      if (ordinate > peak[0]) peak[0] = ordinate, lines.KEL_POINT[0] = k;
-      if (ordinate < peak[1]) peak[1] = ordinate, lines.KEL_POINT[1] = k;
+      const float before = entry(lines.ROWS[0].BEFORE, k);
+      const float after = entry(lines.ROWS[0].AFTER, k);
+      if (std::max(before, after) > peak[0]) peak[0] = std::max(before, after), lines.KEL_POINT[0] = k;
+      if (std::min(before, after) < peak[1]) peak[1] = std::min(before, after), lines.KEL_POINT[1] = k;
+      met_.JUMPS_ACROSS_ZERO += before * after < 0 ? 1 : 0;
     }
-    lines.X.resize(static_cast<std::size_t>(drop_repeated_points(own, lines.X, lines.PLANES)));
+    lines.X.resize(static_cast<std::size_t>(drop_repeated_points(own, lines.X, lines.ROWS)));
     if (straddles(lane)) return lines;
 
-    const BOTH_DISTANCES distances = RANGE_DISTANCES(line_of(lines.X, lines.PLANES[0]));
+    const BOTH_DISTANCES distances = RANGE_DISTANCES(line_of(lines.X, lines.ROWS[0]));
     for (const std::size_t side : {0U, 1U}) {
       const DISTANCES& its_side = side == 0 ? distances.POSITIVE : distances.NEGATIVE;
       lines.RANGE_COUNT[side] = its_side.RANGE_COUNT;
@@ -336,12 +360,9 @@ class JUDGE {
     return lines;
   }
 
-  static LINE line_of(const ROW& x, const ROW& row) {
-    LINE line;
-    line.X.values = x;
-    line.BEFORE.values.assign(row.begin(), row.begin() + count(x));
-    line.AFTER = line.BEFORE;
-    return line;
+  [[nodiscard]] LINE line_of(const ROW& x, const ORDINATES& row) const {
+    const ORDINATES left = planes_of_points({row}, x).front();
+    return {may_jump_, two_columns_, {x}, {left.BEFORE}, {left.AFTER}};
   }
 
   /// The number of the definition for this class and lane, 0 where there is none.
@@ -357,35 +378,38 @@ class JUDGE {
   }
 
   /// Ordinates of a lane by the definition of that number: of equal numbers the first counts, 0 is none.
-  [[nodiscard]] std::vector<ROW> defined_rows(int number, int lane, int planes) const {
+  [[nodiscard]] PLANES defined_rows(int number, int lane, int planes) const {
     for (const T_CLASS_DEFINITION& definition : model_.class_definitions)
       if (number != 0 && definition.number == number)
         return class_rows(definition, planes, count(entry(model_.lanes, lane).points));
-    return std::vector<ROW>(static_cast<std::size_t>(std::max(planes, 1)), empty_row());
+    return empty_rows(planes);
   }
 
-  /// The lanes under the four axles, 0 for the lane itself; nothing where no entry names another lane.
-  [[nodiscard]] std::vector<int> axle_lanes(int vehicle_class, int lane, std::set<int>& named) const {
+  /// The lanes of an axle list, 0 for the lane itself. The first four are those under the axles.
+  [[nodiscard]] std::vector<int> axle_lanes(int vehicle_class, int lane) const {
     std::vector<int> axles;
     for (const T_AXLE_LIST& list : model_.axle_lists)
       if (list.vehicle_class == vehicle_class && list.lane == lane) axles = list.lanes;
-    for (int& axle : axles) {
+    for (int& axle : axles)
       if (axle == lane || axle < 0) axle = 0;
-      if (axle > 0) named.insert(axle);
-    }
-    axles.resize(4);
+    axles.resize(std::max<std::size_t>(axles.size(), 4));
     return axles;
+  }
+  [[nodiscard]] static std::set<int> named_lanes(const std::vector<int>& axles) {
+    std::set<int> named(axles.begin(), axles.end());
+    named.erase(0);
+    return named;
   }
 
   std::array<FILED, 2> search(int lane, const VEHICLE& vehicle, int sub_case) {
     const LANE_LINES& lines = entry(lines_, lane);
     const int planes = planes_of(lane);
-    std::set<int> named;
-    const std::vector<int> axles = axle_lanes(vehicle.VEH_CLASS, lane, named);
+    const std::vector<int> axles = axle_lanes(vehicle.VEH_CLASS, lane);
+    const std::set<int> named = named_lanes(axles);
     // A definition takes the place of an ordinary lane's line where no class has axle lists, and else of the
     // lines under an HB whose axles run on other lanes too.
     const int number = definition_number(vehicle.VEH_CLASS, lane);
-    std::vector<ROW> own = lines.PLANES;
+    PLANES own = lines.ROWS;
     if (number > 0 && (model_.axle_lists.empty() ? planes == 0 : !named.empty() && sub_case != HA_ALONE))
       own = defined_rows(number, lane, planes);
 
@@ -398,7 +422,9 @@ class JUDGE {
       return {side_of(found.MAX, lines.KEL_POINT[0]), side_of(found.MIN, lines.KEL_POINT[1])};
     }
 
-    HB_TASK task{.X = lines.X,
+    HB_TASK task{.JUMP_LAYOUT = may_jump_,
+                 .TWO_COLUMNS = two_columns_,
+                 .X = lines.X,
                  .SETS = {planes_of_points(own, lines.X)},
                  .CURVE = vehicle.CURVE,
                  .HB_LOAD = vehicle.HB_LOAD,
@@ -412,7 +438,7 @@ class JUDGE {
       for (std::size_t j = 0; j < 4; ++j)
         if (axles[j] == other) task.AXLE_SET[j] = task.SETS.size();
       const T_LANE& its_lane = entry(model_.lanes, other);
-      std::vector<ROW> rows = link_rows(its_lane, planes);
+      PLANES rows = link_rows(its_lane, planes);
       ROW x = positions(its_lane);
       drop_repeated_points(its_lane, x, rows);
       if (number > 0) rows = defined_rows(definition_number(vehicle.VEH_CLASS, other), other, planes);
@@ -433,11 +459,46 @@ class JUDGE {
     return {FILED{found[0]}, FILED{found[1]}};
   }
 
-  static PLANES planes_of_points(const std::vector<ROW>& rows, const ROW& x) {
-    PLANES planes;
-    for (const ROW& row : rows) planes.push_back({{row.begin(), row.begin() + count(x)}, {}});
-    for (ORDINATES& plane : planes) plane.AFTER = plane.BEFORE;
-    return planes;
+  static PLANES planes_of_points(PLANES rows, const ROW& x) {
+    for (ORDINATES& row : rows) row.BEFORE.resize(x.size()), row.AFTER.resize(x.size());
+    return rows;
+  }
+
+  /// What a truss run leaves on unit 78: the sets of each class with definitions on a straddle lane whose
+  /// axles run on other lanes too, with the first item for ordinates.
+  void list_sets() {
+    const auto field = [](const std::string& number, std::size_t width) {
+      return number.size() > width ? std::string(width, '*')
+                                   : std::string(width - number.size(), ' ') + number;
+    };
+    const auto real = [&](float value, std::size_t width) {
+      std::array<char, 64> number{};
+      std::snprintf(number.data(), number.size(), "%.4f", static_cast<double>(value));
+      return field(number.data(), width);
+    };
+    std::set<std::pair<int, int>> done;
+    for (int lane = ordinary() + 1; lane <= lanes(); ++lane) {
+      const ROW x = positions(entry(model_.lanes, lane));
+      for (const VEHICLE& vehicle : vehicles_) {
+        const int its_class = vehicle.VEH_CLASS, planes = planes_of(lane);
+        if (!lane_vehicle_.contains({lane, &vehicle}) || !class_use_.contains({lane, its_class})) continue;
+        const std::set<int> named = named_lanes(axle_lanes(its_class, lane));
+        const bool has_sets = !named.empty() && definition_number(its_class, lane) > 0;
+        if (!has_sets || !done.insert({lane, its_class}).second) continue;
+        std::vector<int> sets(named.begin(), named.end());
+        sets.insert(sets.begin(), lane);
+        met_.LISTED += "FMT_MT_MULTI,NUM_SUB_LANE,N_MULTI_INFL=" + field(std::to_string(planes), 7) +
+                       field(std::to_string(sets.size()), 7) + '\n';
+        for (const int set : sets) {
+          const PLANES rows = defined_rows(definition_number(its_class, set), set, planes);
+          for (int i = 1; i <= count(x); ++i) {
+            met_.LISTED += field(std::to_string(i), 5) + real(entry(x, i), 10);
+            for (const ORDINATES& plane : rows) met_.LISTED += real(entry(plane.BEFORE, i), 13);
+            met_.LISTED += '\n';
+          }
+        }
+      }
+    }
   }
 
   /// What is filed for a lane code: by the first column of its class that serves the lane.
@@ -542,7 +603,7 @@ class JUDGE {
       if (with_hb == 2 && with_full_ha == 0) type = 3, portion += 1;
       if (with_hb == 2 && with_full_ha == 1) type = 4;
       int& p = side.field(POSITION_OF_HB, lane);
-      const bool expands = type >= 2 && p != 0 && segment != 1;
+      const bool expands = type >= 2 && p != 0 && segment != 1 && !may_jump_;
       if (expands && !model_.keep_points && !model_.class_lanes) p += (p - 1) / (segment - 1);
     }
     for (int lane = ordinary() + 1; lane <= lanes(); ++lane) {
@@ -579,9 +640,9 @@ class JUDGE {
                                          ? entry(vehicles_, column).HB_GEOM
                                          : std::array<double, 3>{};
     const double length = 50.0 + 2.0 * hb[0] + hb[1] + (T - 1.0) * hb[2];
-    // A straddle lane has no points there, and a lane none behind its own.
+    // A straddle lane has points there only where lines may jump, and a lane none behind its own.
     const auto& points = entry(model_.lanes, lane).points;
-    const bool has_point = !straddles(lane) && P <= count(points);
+    const bool has_point = (!straddles(lane) || may_jump_) && P <= count(points);
     const float x = has_point ? static_cast<float>(entry(points, P).x) : 0.0F;
     const double other_end = static_cast<double>(x) + (side.pass(lane) == 1 ? length : -length);
     const float near_end = side.pass(lane) == 1 ? x : static_cast<float>(other_end);
@@ -607,7 +668,10 @@ class JUDGE {
   const T_MODEL& model_;
   host::ARGUMENTS& host_;
   int host_lanes_;
+  std::int32_t kind_, id_, item_;
+  bool may_jump_, two_columns_ = false;
   MET& met_;
+  const KIND* family_;  // none for a kind without routine
   // clang-format off
   std::array<SIDE, 2> sides_{{
       {{&host_.K_MXLOAD, &host_.K_MXLOAD1ST, &host_.K_MXLOAD2ND},
@@ -618,7 +682,7 @@ class JUDGE {
   int straddle_lanes_ = 0;
   int max_points_ = 0;
   bool has_definitions_ = false;
-  LIST<float> load_ord_;
+  std::array<LIST<float>, 2> load_ord_;  // before and after a point
   std::vector<VEHICLE> vehicles_;
   std::vector<LANE_LINES> lines_;
   std::set<std::pair<int, const VEHICLE*>> lane_vehicle_;
@@ -635,7 +699,11 @@ host::ARGUMENTS RUN(const T_MODEL& model, int host_lanes, std::int32_t mode_code
   host.MODE_CODE = mode_code;
   if (kind == MOVLOAD_RK_BEAM && item > BEAM_ITEMS) return host;
   MET unasked;
-  JUDGE(model, host, host_lanes, met != nullptr ? *met : unasked).run(mode_code, kind, id, item, mv_case);
+  JUDGE judge(model, host, host_lanes, kind, id, item, met != nullptr ? *met : unasked);
+  if (judge.fails())
+    host.MODE_CODE = -1;
+  else
+    judge.run(mode_code, mv_case);
   return host;
 }
 

@@ -4,16 +4,21 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "modelkit/model_writer.h"
 #include "modelkit/random_model.h"
 #include "tests/host/host_call.h"
 #include "tests/host/plain_run.h"
+#include "tests/host/result_items.h"
 #include "tests/temporary_directory.h"
 
 namespace {
@@ -159,24 +164,11 @@ void change_combinations(T_MODEL& model, RANDOM& random) {
   }
 }
 
-std::vector<T_RESPONSE>& responses_of(T_MODEL& model, int kind) {
-  // clang-format off
-  switch (kind) {
-    case MOVLOAD_RK_DISP: return model.disp;
-    case MOVLOAD_RK_REAC: return model.reac;
-    case MOVLOAD_RK_LRAC: return model.lrac;
-    case MOVLOAD_RK_SIMB: return model.simb;
-    case MOVLOAD_RK_ELNK: return model.elnk;
-    case MOVLOAD_RK_NLNK: return model.nlnk;
-    default: return model.ldisp;
-  }
-  // clang-format on
-}
-
-/// Nodes that stand twice among those that are searched for by number, signs turned, and responses cut short.
+/// Nodes that stand twice among those that are searched for by number, signs turned; responses cut short;
+/// plates of no form, and no elements in a file.
 void change_responses(T_MODEL& model, RANDOM& random) {
-  for (const int kind : {MOVLOAD_RK_REAC, MOVLOAD_RK_LRAC, MOVLOAD_RK_LDSP}) {
-    std::vector<T_RESPONSE>& responses = responses_of(model, kind);
+  for (auto* const block : {&model.reac, &model.lrac, &model.ldisp}) {
+    std::vector<T_RESPONSE>& responses = *block;
     if (random.one_in(4) && !responses.empty()) {
       responses.push_back(random.one_of(responses));
       for (auto& component : responses.back().values)
@@ -186,6 +178,9 @@ void change_responses(T_MODEL& model, RANDOM& random) {
   }
   for (auto& component : model.disp.front().values)
     if (random.one_in(10)) component.resize(component.size() / 2);
+  model.plate_form += 100 * random.between(0, 1);
+  if (random.one_in(20)) model.plate_form = random.one_of<int>({0, 5, 100});
+  if (random.one_in(20)) model.elements_per_file = random.one_of<int>({0, -1, INT_MAX});
 }
 
 /// One lane with a wave of one range at every second point, all of them loaded: more ranges than the lists of
@@ -202,6 +197,7 @@ void make_choppy(T_MODEL& model, bool with_room_for_hb) {
     for (auto& component : response.values)
       for (std::size_t load = 0; load < component.size(); ++load)
         component[load] = load % 2 == 0 ? 1.0F + static_cast<float>(load % 7) : 0.0F;
+  model.beams = {{.id = 1, .values = std::vector(68, model.disp.front().values.front())}};
   for (auto& group : model.vehicle_groups)
     for (auto& vehicle : group.vehicles) vehicle.geometry[0] = 1e6;
 }
@@ -214,7 +210,7 @@ T_MODEL model_of(std::uint64_t seed, RANDOM& random) {
   options.axle_lists = seed % 5 == 0 ? 1.0 : 0.0;
   options.class_definitions = seed % 4 == 0 ? 1.0 : 0.0;
   options.warping = 0.3;
-  options.longest_step = random.one_of<double>({0.6, 5.0, 12.0, 30.0});
+  options.longest_step = random.one_of<double>({seed % 3 == 0 ? 12.0 : 0.6, 5.0, 12.0, 30.0});
   const bool is_choppy = seed % CHOPPY == 1;
   if (is_choppy) {
     options.max_lanes = 1;
@@ -250,17 +246,21 @@ struct REQUEST {
   int KIND = 0, ID = 0, ITEM = 1, MV_CASE = 1;
 };
 
-REQUEST request_of(T_MODEL& model, RANDOM& random) {
+REQUEST request_of(const T_MODEL& model, RANDOM& random) {
+  // Every second for a beam or a wall; a few for what the model has no responses of.
+  constexpr int LAST = static_cast<int>(plain::KINDS.size()) - 1;
+  const auto any_kind = [&] {
+    return plain::KINDS.at(static_cast<std::size_t>(random.between(random.one_in(2) ? LAST - 1 : 0, LAST)));
+  };
+  plain::KIND kind = any_kind();
+  while ((model.*kind.RESPONSES).empty() && !random.one_in(4)) kind = any_kind();
+  const auto& responses = model.*kind.RESPONSES;
+  const int items = plain::ITEMS_OF(kind, model), cases = static_cast<int>(model.moving_load_cases.size());
   REQUEST request;
-  std::vector<int> kinds = {MOVLOAD_RK_DISP, MOVLOAD_RK_DISP, MOVLOAD_RK_LRAC, MOVLOAD_RK_LDSP};
-  if (!model.reac.empty()) kinds.push_back(MOVLOAD_RK_REAC);
-  if (!model.simb.empty()) kinds.insert(kinds.end(), {MOVLOAD_RK_SIMB, MOVLOAD_RK_ELNK, MOVLOAD_RK_NLNK});
-  request.KIND = random.one_of(kinds);
-  const auto& responses = responses_of(model, request.KIND);
+  request.KIND = kind.RESULT_KIND;
   request.ID = responses.empty() || random.one_in(8) ? random.between(-1, 12) : random.one_of(responses).id;
-  const bool of_elements = request.KIND >= MOVLOAD_RK_SIMB && request.KIND <= MOVLOAD_RK_NLNK;
-  request.ITEM = random.between(1, of_elements ? 12 : model.n_dof);
-  const int cases = static_cast<int>(model.moving_load_cases.size());
+  request.ITEM = items == 0 || random.one_in(30) ? random.one_of<int>({0, -7, items + 1, INT_MAX, INT_MIN})
+                                                 : random.between(1, items);
   request.MV_CASE = random.one_in(10) ? random.one_of<int>({-1, 0, cases + 1}) : random.between(1, cases);
   return request;
 }
@@ -269,22 +269,32 @@ REQUEST request_of(T_MODEL& model, RANDOM& random) {
 struct SEEN {
   std::map<std::string, int> COUNTS;
 
-  void note(const T_MODEL& model, const host::ARGUMENTS& got) {
-    COUNTS["both sides"] += got.FINAL_MAX > 0 && got.FINAL_MIN < 0;
+  void note(const T_MODEL& model, const REQUEST& asked, const host::ARGUMENTS& got) {
+    COUNTS["failed runs"] += got.MODE_CODE == -1;
+    if (got.K_MXLOAD(1, 1) == host::UNTOUCHED) return;
+    const std::string layout = plain::MAY_JUMP(asked.KIND, asked.ITEM) ? ", may jump" : "";
+    const bool both_sides = got.FINAL_MAX > 0 && got.FINAL_MIN < 0;
+    COUNTS["both sides"] += both_sides;
+    COUNTS["two columns"] += both_sides && plain::VALUES_OF(asked.KIND, asked.ITEM).size() == 2;
+    const plain::KIND* const kind = plain::KIND_OF(asked.KIND);
+    COUNTS["further files"] += both_sides && kind->OF_ELEMENTS && asked.ID > model.elements_per_file;
     COUNTS["nothing to search"] += got.FINAL_MAX == host::UNTOUCHED;
     for (int lane = 1; lane <= got.NUM_LANE; ++lane) {
       const bool straddles = model.lanes[static_cast<std::size_t>(lane) - 1].is_straddle;
-      COUNTS["several ranges"] += got.K_MXLOAD(MOVLOAD_NO_LOADED_RANGE + 1, lane) > 1;
-      COUNTS["full lists"] += got.K_MXLOAD(MOVLOAD_NO_LOADED_RANGE + 1, lane) == 500;
-      COUNTS["full distances"] += got.DISTANCE_MAX_RANGE(200, lane) > 0;
+      COUNTS["several ranges" + layout] += got.K_MXLOAD(MOVLOAD_NO_LOADED_RANGE + 1, lane) > 1;
+      COUNTS["full lists" + layout] += got.K_MXLOAD(MOVLOAD_NO_LOADED_RANGE + 1, lane) == 500;
+      COUNTS["full distances" + layout] += got.DISTANCE_MAX_RANGE(200, lane) > 0;
       COUNTS["factors too large"] += got.K_MXLOAD(MOVLOAD_FACTOR + 1, lane) == INT_MIN;
-      const bool has_hb = got.K_MNLOAD(MOVLOAD_POSITION_OF_HB + 1, lane) != 0;
-      const bool has_planes = got.K_MNLOAD1ST(MOVLOAD_POSITION_OF_HB + 1, lane) != 0;
-      const int type = got.K_MNLOAD(MOVLOAD_COMB_TYPE + 1, lane);
-      const std::string pass = " in pass " + std::to_string(type / 100);
-      if (!straddles) COUNTS["combination type " + std::to_string(type % 100)] += 1;
-      if (has_hb) COUNTS[(straddles ? "sub-case 3" : "HB") + pass] += 1;
-      if (has_planes) COUNTS["sub-case 4" + pass] += 1;
+      for (const auto& [own, planes] :
+           {std::pair(&got.K_MXLOAD, &got.K_MXLOAD1ST), {&got.K_MNLOAD, &got.K_MNLOAD1ST}}) {
+        const int type = (*own)(MOVLOAD_COMB_TYPE + 1, lane);
+        const std::string pass = " in pass " + std::to_string(type / 100) + layout;
+        const bool has_hb = (*own)(MOVLOAD_POSITION_OF_HB + 1, lane) != 0;
+        const bool has_planes = (*planes)(MOVLOAD_POSITION_OF_HB + 1, lane) != 0;
+        if (!straddles) COUNTS["combination type " + std::to_string(type % 100)] += 1;
+        if (has_hb) COUNTS[(straddles ? "sub-case 3" : "HB") + pass] += 1;
+        if (has_planes) COUNTS["sub-case 4" + pass] += 1;
+      }
     }
   }
 };
@@ -304,8 +314,17 @@ host::ARGUMENTS answered(const std::string& base, int lanes, const T_FILE_FORM& 
   return host::RUN(lanes, base, form.analysis_code, asked.KIND, asked.ID, asked.ITEM, asked.MV_CASE);
 }
 
+std::string listed() {
+  std::ifstream file("fort.78", std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 TEST(random_runs, every_array_of_the_host_equals_the_plain_steps) {
-  const TEMPORARY_DIRECTORY directory;
+  // Unit 78 is opened in the working directory and stays open.
+  static const TEMPORARY_DIRECTORY working_directory;
+  const std::filesystem::path folder = std::filesystem::current_path();
+  std::filesystem::current_path(std::filesystem::path(working_directory.NAME()).parent_path());
+  const std::size_t listed_before = listed().size();
   SEEN seen;
   plain::MET met;
   std::vector<std::string> differences;
@@ -314,6 +333,7 @@ TEST(random_runs, every_array_of_the_host_equals_the_plain_steps) {
     RANDOM random(seed);
     T_MODEL model = model_of(seed, random);
     const T_FILE_FORM form = form_of(random);
+    const TEMPORARY_DIRECTORY directory;
     modelkit::WRITE_MODEL(model, directory.NAME(), form);
 
     const int lanes = static_cast<int>(model.lanes.size());
@@ -326,17 +346,22 @@ TEST(random_runs, every_array_of_the_host_equals_the_plain_steps) {
       const int host_lanes = lanes + (random.one_in(4) ? random.between(1, 3) : 0);
       const auto expected = judged(model, host_lanes, form, request, &met);
       const auto got = answered(directory.NAME(), host_lanes, form, request);
-      seen.note(model, got);
+      seen.note(model, request, got);
       if (expected == got) continue;
       differences.push_back(told(seed, request, form) + ": " + host::SAME(expected, got).message());
       break;
     }
   }
   EXPECT_EQ(testing::internal::GetCapturedStdout(), met.PRINTED);
+  EXPECT_TRUE(listed().substr(listed_before) == met.LISTED);
+  EXPECT_GT(met.LISTED.size(), 5000U);
+  std::filesystem::current_path(folder);
   EXPECT_EQ(differences, std::vector<std::string>{});
-  for (const auto& [what, times] : seen.COUNTS) EXPECT_GE(times, what == "full lists" ? 5 : 50) << what;
-  EXPECT_EQ(seen.COUNTS.size(), 17U);
-  EXPECT_GT(std::min({met.SETS_OF_OTHER_LANES, met.MERGED_LISTS, met.SPLIT_RANGES}), 500);
+  for (const auto& [what, times] : seen.COUNTS)
+    EXPECT_GE(times, what.starts_with("full lists") ? 5 : 50) << what;
+  EXPECT_EQ(seen.COUNTS.size(), 29U);
+  EXPECT_GT(std::min({met.SETS_OF_OTHER_LANES, met.MERGED_LISTS, met.SPLIT_RANGES, met.JUMPS_ACROSS_ZERO}),
+            500);
 }
 
 void expect_as_judged(const T_MODEL& model, const REQUEST& request) {
