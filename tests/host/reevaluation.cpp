@@ -62,7 +62,8 @@ struct T_RANGE {
 };
 
 /// The ranges of one sign outside a zone, numbered in the order in which they close. They run on across the
-/// zone. On a whole line a jump to the other sign closes them.
+/// zone. They close where the sign changes between two points at one place too, which may leave one empty,
+/// and on a whole line at a point where it jumps to the other sign.
 std::vector<T_RANGE> cut(const T_LINE& line, double sign, double near_end, double far_end) {
   std::vector<T_RANGE> ranges(1);
   const auto close = [&] { ranges.push_back({.NUMBER = ranges.back().NUMBER + 1}); };
@@ -71,7 +72,8 @@ std::vector<T_RANGE> cut(const T_LINE& line, double sign, double near_end, doubl
     const auto add_piece = [&](double from, double to) {
       if (from == to) return;
       const auto value = [&](double x) {
-        return sign * ((right.X - x) * left.AFTER + (x - left.X) * right.BEFORE) / (right.X - left.X);
+        const double f = single(single(x - left.X) / single(right.X - left.X));
+        return sign * ((1 - f) * left.AFTER + f * right.BEFORE);
       };
       const double a = value(from), b = value(to);
       if (a <= 0 && b <= 0) return;
@@ -83,7 +85,10 @@ std::vector<T_RANGE> cut(const T_LINE& line, double sign, double near_end, doubl
     };
     add_piece(left.X, std::clamp(near_end, left.X, right.X));
     add_piece(std::clamp(far_end, left.X, right.X), right.X);
-    if (near_end == NOWHERE && sign * right.BEFORE > 0 && sign * right.AFTER < 0) close();
+    const double a = sign * left.AFTER, b = sign * right.BEFORE;
+    const bool is_repeated = left.X == right.X && !(near_end <= left.X && left.X < far_end);
+    if (is_repeated && a > 0 && b <= 0) close();
+    if (near_end == NOWHERE && a >= 0 && b > 0 && sign * right.AFTER < 0) close();
   }
   if (ranges.back().AREA == 0) ranges.pop_back();
   return ranges;
@@ -278,6 +283,7 @@ class EXPLANATION {
   void add_udl(const T_RECORD& record, std::vector<T_RANGE> ranges, double vehicle_length, double factor) {
     const int count = record.FIELD[MOVLOAD_NO_LOADED_RANGE], W_MILLI = record.FIELD[MOVLOAD_W_HA_UDL];
     if (count == 0) return;
+    std::erase_if(ranges, [](const T_RANGE& range) { return range.LENGTH == 0; });
     std::set<int> names(record.NUMBERS.begin(), record.NUMBERS.begin() + count);
     const auto is_named = [&](const T_RANGE& range) {
       return range.NUMBER < 1 || names.contains(range.NUMBER);
