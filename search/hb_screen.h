@@ -25,6 +25,11 @@ class CURSOR {
     while (at_ < pass.n && pass.X(at_) < position) ++at_;
     return at_;
   }
+  /// The first point beyond the position; the last point where there is none.
+  std::int32_t ADVANCE_BEYOND(const T_PASS& pass, real position) {
+    while (at_ < pass.n && pass.X(at_) <= position) ++at_;
+    return at_;
+  }
   /// Finds what FIND_POSITION finds. Field by field into its place: a copied record would wait for its parts.
   void FIND(const T_PASS& pass, real position, T_POSITION& found) {
     const std::int32_t at = ADVANCE(pass, position);
@@ -79,13 +84,13 @@ class PLACEMENT_WALK {
     }
   }
 
-  /// The points between which the front axles of all types stand, with those that an axle on a jump reads.
+  /// The points between which the front axles of all types stand. Of points at one place all count, for the
+  /// way of bracketing decides which of them an axle reads.
   std::pair<std::int32_t, std::int32_t> FRONT_AXLES(const T_PLACEMENT& placement) {
     const real rearmost = placement.AXLE[1];
     const real foremost = pass_.X(placement.POINT_INDEX) + offsets_.OF_TYPE.back()[0];
     const std::int32_t first = front_.front().SECOND.ADVANCE(pass_, rearmost) - 1;
-    const std::int32_t last = front_.back().FIRST.ADVANCE(pass_, foremost) + 1;
-    return {std::max(first, 1), std::min(last, pass_.n)};
+    return {std::max(first, 1), foremost_.ADVANCE_BEYOND(pass_, foremost)};
   }
 
   /// Places the zone of the placement in hand.
@@ -105,7 +110,7 @@ class PLACEMENT_WALK {
   const T_PASS& pass_;
   const T_OFFSETS& offsets_;
   T_REAR_ORDINATES& rear_;
-  CURSOR third_, fourth_, near_;
+  CURSOR third_, fourth_, near_, foremost_;
   std::array<T_FRONT, HB_TYPES> front_;
 };
 

@@ -246,8 +246,10 @@ std::vector<float> hb_positions(RANDOM& random, std::uint64_t seed, const plain:
   }
   if (random.one_in(3)) {
     kind += " repeated";
-    for (int i = random.between(1, 12); i > 0; --i)
-      x.push_back(x[static_cast<std::size_t>(random.below(static_cast<int>(x.size())))]);
+    for (int i = random.between(1, 8); i > 0; --i) {
+      const float at = x[static_cast<std::size_t>(random.below(static_cast<int>(x.size())))];
+      x.insert(x.end(), static_cast<std::size_t>(random.between(1, 4)), at);
+    }
   }
   std::sort(x.begin(), x.end());
   if (random.one_in(30)) x.resize(static_cast<std::size_t>(random.below(2)));
@@ -288,13 +290,14 @@ RANDOM_HB_CASE MAKE_RANDOM_HB_CASE(std::uint64_t seed) {
       {450.0F, 1.8F, 6.0F, 5.0F},
       {450.0F, 1.8F, 6.0F, 5.0F},
       {300.0F, 2.5F, 5.0F, 5.0F},  // ends and axles on the points of even lanes
+      {450.0F, 1.8F, 6.0F, 0.0F},  // five types alike
       {0.0F, 1.8F, 6.0F, 5.0F},
       {-450.0F, 1.8F, 6.0F, 5.0F},
       {100.0F, 0.0F, 0.0F, 0.0F},    // a vehicle without geometry
       {250.0F, 1.8F, 26.0F, -5.0F},  // types that grow shorter
       {250.0F, -3.0F, 12.0F, 5.0F},
       {500.0F * random.noise(), 4.0F * random.unit(), 15.0F * random.unit(), 8.0F * random.unit()}};
-  const auto& [load, s, b, step] = vehicles[random.below(9)];
+  const auto& [load, s, b, step] = vehicles[random.below(10)];
   task.HB_LOAD = load;
   task.HB_S = s;
   task.HB_B = b;
