@@ -98,8 +98,8 @@ T_HA_BOUNDS::T_RANKED T_HA_BOUNDS::ranked(SIDE side, const T_OPEN_RANGE& range) 
   real mean = has_mean ? range.AREA / range.LENGTH : 0.0F;
   if (side == MIN_SIDE) mean = std::fabs(mean);
   const auto area = static_cast<double>(range.AREA);
-  return {side == MAX_SIDE ? area : -area, static_cast<double>(range.LENGTH), static_cast<double>(mean), 0,
-          0};
+  return {side == MAX_SIDE ? area : -area, static_cast<double>(range.LENGTH), static_cast<double>(mean),
+          static_cast<double>(mean), 0};
 }
 
 template <LAYOUT L>
@@ -174,7 +174,7 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   quick_factor_ = 1 + roundings;
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
     std::sort(ranges_[side].begin(), ranges_[side].end(),
-              [](const T_RANKED& a, const T_RANKED& b) { return a.MEAN > b.MEAN; });
+              [](const T_RANKED& a, const T_RANKED& b) { return a.HIGHEST_MEAN > b.HIGHEST_MEAN; });
     std::int32_t next = 0;
     for (std::int32_t s = segments_; s >= 0; --s) {
       T_STATE& state = states_[side][static_cast<std::size_t>(s)];
@@ -386,17 +386,21 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
                          open.LENGTH >= 0;
     if (!is_sure) return NO_BOUNDS;
     const double per_length = 1 / joined.LENGTH;
-    joined.MEAN = joined.AREA * per_length;
-    joined.MEAN_ERROR =
-        ((area_error + joined.MEAN * length_error) * per_length + joined.MEAN * 2 * ROUNDING) * 1.1 +
-        SMALLEST_STEP;
+    const double mean = joined.AREA * per_length;
+    const double mean_error =
+        ((area_error + mean * length_error) * per_length + mean * 2 * ROUNDING) * 1.1 + SMALLEST_STEP;
+    joined.LOWEST_MEAN = mean - mean_error;
+    joined.HIGHEST_MEAN = mean + mean_error;
   }
   for (std::size_t i = 1; i < n_own; ++i) {
-    for (std::size_t j = i; j > 0 && own[j].MEAN > own[j - 1].MEAN; --j) std::swap(own[j], own[j - 1]);
+    for (std::size_t j = i; j > 0 && own[j].HIGHEST_MEAN > own[j - 1].HIGHEST_MEAN; --j) {
+      std::swap(own[j], own[j - 1]);
+    }
   }
 
   // The prefixes of the ranking, which merges the whole line's ranges that stand and the own ones. Ranges
-  // any of which may come first wait in a group until it is complete.
+  // any of which may come first wait in a group until it is complete: taken from the highest that a mean may
+  // be on, none of those that follow can reach into it then.
   T_BOUNDS best;
   double area = 0;
   double length = vehicle_length;
@@ -441,9 +445,8 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
     members = 0;
   };
   const auto take = [&](const T_RANKED& range) {
-    const double low = range.MEAN - range.MEAN_ERROR;
-    if (members > 0 && range.MEAN + range.MEAN_ERROR < lowest_mean) end_group();
-    lowest_mean = members > 0 ? std::min(lowest_mean, low) : low;
+    if (members > 0 && range.HIGHEST_MEAN < lowest_mean) end_group();
+    lowest_mean = members > 0 ? std::min(lowest_mean, range.LOWEST_MEAN) : range.LOWEST_MEAN;
     group[members++] = &range;
   };
   const std::int32_t first_gone = before.CLOSED + 1;
@@ -451,7 +454,7 @@ T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_len
   std::size_t next_own = 0;
   for (const T_RANKED& range : ranges_[side]) {
     if (range.NUMBER >= first_gone && range.NUMBER <= last_gone) continue;
-    while (next_own < n_own && own[next_own].MEAN > range.MEAN) take(own[next_own++]);
+    while (next_own < n_own && own[next_own].HIGHEST_MEAN > range.HIGHEST_MEAN) take(own[next_own++]);
     take(range);
   }
   while (next_own < n_own) take(own[next_own++]);

@@ -116,8 +116,8 @@ class T_HA_BOUNDS {
   struct T_RANKED {
     double AREA = 0;  // magnitude
     double LENGTH = 0;
-    double MEAN = 0;
-    double MEAN_ERROR = 0;
+    double LOWEST_MEAN = 0;  // the mean of the search lies between these
+    double HIGHEST_MEAN = 0;
     std::int32_t NUMBER = 0;  // of the whole line's ranges, from 1
   };
   static constexpr std::size_t MOST_RANGES = 24;  // of a side of the whole line
@@ -141,7 +141,7 @@ class T_HA_BOUNDS {
 
   std::array<std::vector<T_STATE>, N_SIDES> states_;       // by segments passed
   std::array<std::vector<T_OPEN_RANGE>, N_SIDES> closed_;  // the whole line's ranges as they close
-  std::array<std::vector<T_RANKED>, N_SIDES> ranges_;      // the same from the highest mean to the lowest
+  std::array<std::vector<T_RANKED>, N_SIDES> ranges_;      // the same from the highest mean on
   struct T_SLIVERS {
     double AREA = 0;
     double LENGTH = 0;

@@ -125,8 +125,9 @@ plain::HA_CURVE random_curve(RANDOM& random) {
       {5.0F, 151.0F, 9.0F, 0.475F, 30.0F},  // W0 below the least intensity
       {50.0F, 1000.0F, 0.0F, 1.0F, 5.0F},   // area / L: every range lowers the effect
       {W0, 0.0F, 0.0F, 0.475F, L0},         // falls to nothing
+      {0.0F, 1e4F, 0.0F, 3.0F, 0.0F},       // so steep that short ranges give more than long ones
       {W0, 500.0F * random.unit(), 20.0F * random.unit(), 2.0F * random.unit(), L0}};
-  return curves[random.below(6)];
+  return curves[random.below(7)];
 }
 
 /// A position on the lane: on a point, just beside it, or anywhere in a segment.
@@ -275,6 +276,7 @@ std::vector<float> hb_ordinates(RANDOM& random, const std::vector<float>& x, std
     if (form == 1) y[i] = std::max(0.0F, 1.0F - std::fabs(x[i] - peak) / reach);
     if (form == 2) y[i] = rough && random.one_in(3) ? std::nextafter(level, INFINITE) : level;
     if (form == 3) y[i] = y[x.size() - 1 - i];
+    if (form == 4) y[i] = i % 2 == 0 ? level : rough ? 0.0F : -level;  // spans of one mean but for rounding
   }
   kind += ", over it form " + std::to_string(form);
   return y;
