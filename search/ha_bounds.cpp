@@ -26,17 +26,29 @@ float edge_of(std::uint32_t cell) {
   return std::bit_cast<float>(cell << FRACTION_BITS);
 }
 
+/// No area of such ordinates overflows, and the places of their zeros have all their digits: among the
+/// smallest numbers a crossing may lie off by metres.
+bool is_bounded_ordinate(real ordinate) {
+  constexpr real LARGEST = 1e12F;
+  constexpr real LEAST = 1e-35F;
+  const real magnitude = std::fabs(ordinate);
+  return magnitude <= LARGEST && (magnitude >= LEAST || magnitude == 0);
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------------------- intensity
 
 bool T_INTENSITY_BOUNDS::PREPARE(const T_HA_CURVE& curve, double shortest, double longest) {
-  constexpr real MOST = 1e15F;
-  constexpr real STEEPEST = 4;
+  // Within these no effect overflows, and no intensity of the law loses digits at the small end.
+  constexpr real MOST = 1e12F;
+  constexpr real LEAST_K = 1e-10F;
+  constexpr real STEEPEST = 3;
   const auto within = [](real value, real most) { return value >= 0 && value <= most; };
   const bool falls = within(curve.HA_W0, MOST) && within(curve.HA_K, MOST) && within(curve.HA_P, STEEPEST) &&
                      std::fabs(curve.HA_WMIN) <= MOST && std::fabs(curve.HA_L0) <= MOST;
-  if (!falls || !(shortest > 1e-6) || !(longest < 1e9) || !(shortest < longest)) return false;
+  if (!falls || (curve.HA_K > 0 && curve.HA_K < LEAST_K)) return false;
+  if (!(shortest > 1e-6) || !(longest < 1e9) || !(shortest < longest)) return false;
 
   const std::uint32_t first = cell_of(static_cast<float>(shortest * 0.99));
   const std::uint32_t cells = cell_of(static_cast<float>(longest * 1.01)) - first + 1;
@@ -105,7 +117,6 @@ T_HA_BOUNDS::T_RANKED T_HA_BOUNDS::ranked(SIDE side, const T_OPEN_RANGE& range) 
 template <LAYOUT L>
 bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensity, real short_range,
                           double shortest_vehicle) {
-  constexpr real LARGEST = 1e15F;
   segments_ = line.n - 1;
   intensity_ = &intensity;
   short_range_ = short_range;
@@ -120,7 +131,6 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   }
   bool bounded = true;
   std::array<real, N_SIDES> largest{};  // ordinate of each sign, as a magnitude
-  std::int32_t segment = 0;
   const auto note_range = [&](SIDE side, const T_OPEN_RANGE& range) {
     T_RANKED its = ranked(side, range);
     // A range that rounding made negative, or one too many.
@@ -130,12 +140,12 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
     its.NUMBER = static_cast<std::int32_t>(closed_[side].size());
     ranges_[side].push_back(its);
   };
-  for (segment = 1; segment <= segments_ && bounded; ++segment) {
+  for (std::int32_t segment = 1; segment <= segments_ && bounded; ++segment) {
     const auto at = static_cast<std::size_t>(segment);
     const real dx = line.LANE_X(segment + 1) - line.LANE_X(segment);
     const real a = line.AFTER(segment);
     const real b = line.BEFORE(segment + 1);
-    bounded = dx >= 0 && std::fabs(a) <= LARGEST && std::fabs(b) <= LARGEST;
+    bounded = dx >= 0 && is_bounded_ordinate(a) && is_bounded_ordinate(b);
     largest[MAX_SIDE] = std::max({largest[MAX_SIDE], a, b});
     largest[MIN_SIDE] = std::max({largest[MIN_SIDE], -a, -b});
     std::array<T_OPEN_RANGE, N_SIDES> added;
@@ -172,6 +182,7 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
       std::fabs(static_cast<double>(line.LANE_X(1))) + std::fabs(static_cast<double>(line.LANE_X(line.n)));
   const double roundings = 3 * (segments_ + 64) * ROUNDING * MARGIN;
   quick_factor_ = 1 + roundings;
+  constexpr auto LENGTH_ROUNDINGS = static_cast<double>(16 + MOST_RANGES + MOST_OWN);
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
     std::sort(ranges_[side].begin(), ranges_[side].end(),
               [](const T_RANKED& a, const T_RANKED& b) { return a.HIGHEST_MEAN > b.HIGHEST_MEAN; });
@@ -183,13 +194,13 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
     }
     const T_STATE& whole = states_[side].back();
     const auto highest = static_cast<double>(largest[side]);
-    const double few_roundings = segments_ * SMALLEST_STEP;
+    const double smallest_steps = segments_ * SMALLEST_STEP;
     T_QUICK& quick = quick_[side];
     quick.NOTHING = highest == 0;
     quick.AREA_OFFSET = 16 * ROUNDING * highest * reach + 2 * slivers_[side].AREA +
-                        whole.AREA_SUM * sum_error_ + few_roundings;
-    quick.LENGTH_OFFSET =
-        16 * ROUNDING * reach + 2 * slivers_[side].LENGTH + whole.LENGTH_SUM * roundings + few_roundings;
+                        whole.AREA_SUM * sum_error_ + smallest_steps;
+    quick.LENGTH_OFFSET = LENGTH_ROUNDINGS * ROUNDING * reach + 2 * slivers_[side].LENGTH +
+                          whole.LENGTH_SUM * roundings + smallest_steps;
     find_steps(line, side, highest, shortest_vehicle);
   }
   return true;

@@ -202,21 +202,21 @@ class SCREEN {
         real* lowest = extremes.LOWEST.data();
         for (std::size_t i = 0; i < n; ++i) {
           const auto k = static_cast<std::int32_t>(i) + 1;
-          highest[i] = higher(line.BEFORE(k), line.AFTER(k));
-          lowest[i] = lower(line.BEFORE(k), line.AFTER(k));
+          highest[i] = std::max(number_or(line.BEFORE(k), -INFINITE), number_or(line.AFTER(k), -INFINITE));
+          lowest[i] = std::min(number_or(line.BEFORE(k), INFINITE), number_or(line.AFTER(k), INFINITE));
         }
         for (std::size_t span = 1; span < extent_; span *= 2) {
           for (std::size_t i = 0; i + span < n; ++i) {
-            highest[i] = higher(highest[i], highest[i + span]);
-            lowest[i] = lower(lowest[i], lowest[i + span]);
+            highest[i] = std::max(highest[i], highest[i + span]);
+            lowest[i] = std::min(lowest[i], lowest[i + span]);
           }
         }
       }
     }
   }
-  // What isn't a number gives way to the other.
-  static real higher(real a, real b) { return a > b ? a : b; }
-  static real lower(real a, real b) { return a < b ? a : b; }
+  static constexpr real INFINITE = std::numeric_limits<real>::infinity();
+  /// Ordinates of another lane may be no numbers. An axle that reads one wins nothing.
+  static real number_or(real value, real other) { return std::isnan(value) ? other : value; }
 
   /// Extremes of a front axle's line between two points.
   [[nodiscard]] T_ORDINATE front_extremes(std::size_t plane, std::size_t axle, std::int32_t first,
@@ -226,7 +226,7 @@ class SCREEN {
     auto i = static_cast<std::size_t>(first - 1);
     T_ORDINATE found{extremes.HIGHEST[i], extremes.LOWEST[i]};
     for (i += extent_; i < static_cast<std::size_t>(last); i += extent_) {
-      found = {higher(found.UPPER, extremes.HIGHEST[i]), lower(found.LOWER, extremes.LOWEST[i])};
+      found = {std::max(found.UPPER, extremes.HIGHEST[i]), std::min(found.LOWER, extremes.LOWEST[i])};
     }
     return found;
   }
@@ -235,6 +235,9 @@ class SCREEN {
   /// front axles somewhere between two points.
   [[nodiscard]] std::array<double, N_SIDES> highest_hb(std::int32_t first, std::int32_t last) const {
     constexpr double SUM_ROUNDING = 1e-6;
+    constexpr double LARGEST_SUM = 1e30;  // beyond, sums may overflow on the way
+    constexpr double UNBOUNDED = std::numeric_limits<double>::infinity();
+    const auto load = static_cast<double>(input_.VEHICLE->HB_LOAD);
     std::array<double, N_SIDES> highest;
     highest.fill(PLANES::STRADDLES ? 0 : CANT_WIN);
     for (std::size_t plane = 0; plane < work_.REAR.size(); ++plane) {
@@ -249,10 +252,8 @@ class SCREEN {
           sum += ordinate;
           magnitude += std::fabs(ordinate);
         }
-        const double hb = (sum + SUM_ROUNDING * magnitude) * static_cast<double>(input_.VEHICLE->HB_LOAD);
-        // Ordinates of another lane may be no numbers.
-        highest[side] =
-            std::isnan(hb) ? std::numeric_limits<double>::infinity() : std::max(highest[side], hb);
+        const double hb = (sum + SUM_ROUNDING * magnitude) * load + SMALLEST * (1 + load);
+        highest[side] = magnitude <= LARGEST_SUM ? std::max(highest[side], hb) : UNBOUNDED;
       }
     }
     return highest;

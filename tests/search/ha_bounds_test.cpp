@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <string>
 
 #include "search/hb_passes.h"
@@ -74,6 +75,17 @@ TEST(ha_bounds, hold_what_the_search_finds_beside_every_placement) {
     ASSERT_EQ(contradiction<JUMP_LAYOUT>(c.JUMP, narrow), "") << "seed " << seed << ", " << c.KIND;
   }
   EXPECT_GT(narrow, 200000);
+}
+
+TEST(ha_bounds, are_not_given_where_numbers_lose_digits_or_overflow) {
+  T_INTENSITY_BOUNDS intensity;
+  EXPECT_FALSE(intensity.PREPARE({0, 1e-40F, 0, 0.5F, 0}, 10, 1000));
+  ASSERT_TRUE(intensity.PREPARE({30, 151, 9, 0.475F, 30}, 10, 1000));
+  T_HA_BOUNDS bounds;
+  for (const float worst : {1.0F, 1e-40F, -1e-40F, 1e13F, std::numeric_limits<float>::quiet_NaN()}) {
+    const plain::LINE line = SIMPLE_LINE({0, 10, 20}, {0, worst, 1});
+    EXPECT_EQ(bounds.PREPARE<SIMPLE_LAYOUT>(VIEW(line), intensity, 0, 10), worst == 1) << worst;
+  }
 }
 
 }  // namespace
