@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "modelkit/beam_results.h"
 #include "modelkit/example_span.h"
 #include "modelkit/grillage.h"
 
@@ -15,8 +16,14 @@ namespace {
 constexpr double BEAM_SPACING = 2.5;
 constexpr std::array<int, 4> SUPPORT_STATIONS = {0, BRIDGE_FIRST_PIER, BRIDGE_SECOND_PIER, BRIDGE_LENGTH};
 constexpr int NODES = BRIDGE_BEAMS * (BRIDGE_LENGTH + 1);
+/// Stations of the beams' sections between their ends, as far as they are nodes.
+constexpr std::array<int, 7> SECTION_STATIONS = {5, 10, 15, 35, 55, 60, 65};
 constexpr std::size_t DISP_COMPONENTS = 6;
 constexpr std::size_t SIMB_COMPONENTS = 12;
+constexpr std::size_t TRUSS_VALUES = 2;
+constexpr std::size_t PLATE_VALUES = 8;  // of form 1
+constexpr std::int32_t PLATE_FORM = 1;
+constexpr std::int32_t ELEMENTS_PER_FILE = 10;
 constexpr std::size_t VERTICAL = 2;  // place of component 3
 
 constexpr double BEAM_EI = 9.0e6;
@@ -26,6 +33,7 @@ constexpr double SLAB_GJ = 2.6e4;
 constexpr double DIAPHRAGM_EI = 1.0e6;
 constexpr double DIAPHRAGM_GJ = 1.5e5;
 constexpr double BEARING = 1.0e6;
+constexpr T_SECTION_MODULI BEAM_MODULI = {.top = 0.44, .bottom = 0.31};
 
 // By clause 3.2.9 a carriageway of more than 7.6 m and up to 11.4 m has three notional lanes of equal width.
 constexpr double CARRIAGEWAY_START = 0.5;
@@ -44,7 +52,7 @@ constexpr std::int32_t STRADDLING_FULL = 3;
 constexpr std::int32_t STRADDLING_THIRD = 4;
 constexpr double THIRD = 1.0 / 3.0;
 
-enum RESULT_KINDS : int { DISP_KIND = 1, REAC_KIND = 2, SIMB_KIND = 12 };
+enum RESULT_KINDS : int { DISP_KIND = 1, REAC_KIND = 2, BEAM_KIND = 4, SIMB_KIND = 12 };
 
 bool is_support(int station) {
   return std::ranges::find(SUPPORT_STATIONS, station) != SUPPORT_STATIONS.end();
@@ -53,6 +61,11 @@ bool is_support(int station) {
 /// Member of a beam that runs from `station` to the next one. The beams' members come first.
 int beam_member(int station, int beam) {
   return BRIDGE_BEAMS * station + beam;
+}
+
+/// Member of the slab that runs from a beam to the next one. They come behind the beams' members.
+int slab_member(int station, int beam) {
+  return BRIDGE_BEAMS * BRIDGE_LENGTH + (BRIDGE_BEAMS - 1) * station + beam;
 }
 
 T_GRILLAGE make_grillage() {
@@ -78,16 +91,36 @@ T_GRILLAGE make_grillage() {
   return deck;
 }
 
-T_RESPONSE no_response(int id, std::size_t components) {
-  return {.id = id, .values = std::vector(components, std::vector<float>(NODES, 0.0F))};
+/// Unit loads on one side of the sections, before or behind them; they follow those on the nodes.
+constexpr int ONE_SIDED_LOADS = BRIDGE_BEAMS * static_cast<int>(SECTION_STATIONS.size());
+
+/// On which side of a section each unit load stands.
+std::vector<LOAD_SIDE> load_sides() {
+  std::vector<LOAD_SIDE> sides(NODES, LOAD_SIDE::BOTH);
+  sides.insert(sides.end(), ONE_SIDED_LOADS, LOAD_SIDE::BEFORE);
+  sides.insert(sides.end(), ONE_SIDED_LOADS, LOAD_SIDE::BEHIND);
+  return sides;
+}
+
+/// The unit load of a node for a place on one side of it.
+int unit_load(int station, int beam, LOAD_SIDE side) {
+  const auto* const found = std::ranges::find(SECTION_STATIONS, station);
+  if (found == SECTION_STATIONS.end()) return BRIDGE_NODE(station, beam);
+  const int first = NODES + (side == LOAD_SIDE::BEHIND ? ONE_SIDED_LOADS : 0);
+  return first + BRIDGE_BEAMS * static_cast<int>(found - SECTION_STATIONS.begin()) + beam;
+}
+
+T_RESPONSE no_response(int id, std::size_t components, const T_GRILLAGE_RESPONSES& deck) {
+  const auto loads = static_cast<std::size_t>(deck.LOADS());
+  return {.id = id, .values = std::vector(components, std::vector<float>(loads, 0.0F))};
 }
 
 void add_displacements(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
   constexpr std::array<GRILLAGE_DOF, 3> DOFS = {GRILLAGE_W, GRILLAGE_ROTATION_X, GRILLAGE_ROTATION_Y};
   for (int node = 1; node <= NODES; ++node) {
-    T_RESPONSE response = no_response(node, DISP_COMPONENTS);
+    T_RESPONSE response = no_response(node, DISP_COMPONENTS, deck);
     for (std::size_t dof = 0; dof < DOFS.size(); ++dof)
-      for (int load = 1; load <= NODES; ++load)
+      for (int load = 1; load <= deck.LOADS(); ++load)
         response.values[VERTICAL + dof][static_cast<std::size_t>(load) - 1] =
             static_cast<float>(deck.DISPLACEMENT(load, node, DOFS[dof]));
     model.disp.push_back(std::move(response));
@@ -98,8 +131,8 @@ void add_reactions(T_MODEL& model, const T_GRILLAGE& grillage, const T_GRILLAGE_
   int number = 0;
   for (const T_GRILLAGE_SUPPORT& support : grillage.supports) {
     ++number;
-    T_RESPONSE response = no_response(support.node, DISP_COMPONENTS);
-    for (int load = 1; load <= NODES; ++load)
+    T_RESPONSE response = no_response(support.node, DISP_COMPONENTS, deck);
+    for (int load = 1; load <= deck.LOADS(); ++load)
       response.values[VERTICAL][static_cast<std::size_t>(load) - 1] =
           static_cast<float>(deck.REACTION(load, number));
     model.reac.push_back(std::move(response));
@@ -108,8 +141,8 @@ void add_reactions(T_MODEL& model, const T_GRILLAGE& grillage, const T_GRILLAGE_
 
 void add_section_forces(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
   for (int beam = 1; beam <= BRIDGE_BEAMS; ++beam) {
-    T_RESPONSE response = no_response(beam, SIMB_COMPONENTS);
-    for (int load = 1; load <= NODES; ++load) {
+    T_RESPONSE response = no_response(beam, SIMB_COMPONENTS, deck);
+    for (int load = 1; load <= deck.LOADS(); ++load) {
       const auto before = [&](int station) { return deck.END_FORCES(load, beam_member(station - 1, beam)); };
       const auto behind = [&](int station) { return deck.START_FORCES(load, beam_member(station, beam)); };
       const auto set = [&](BRIDGE_ITEM item, double value) {
@@ -133,6 +166,48 @@ void add_section_forces(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
   }
 }
 
+/// The bearings as struts: a reaction is the force in both ends, in compression.
+void add_bearings(T_MODEL& model) {
+  for (const T_RESPONSE& support : model.reac) {
+    const int number = static_cast<int>(model.trusses.size()) + 1;
+    std::vector<float> force = support.values[VERTICAL];
+    for (float& value : force) value = -value;
+    model.trusses.push_back({.id = number, .values = std::vector(TRUSS_VALUES, force)});
+  }
+}
+
+void add_beams(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
+  const std::vector<LOAD_SIDE> sides = load_sides();
+  for (std::size_t span = 1; span < SUPPORT_STATIONS.size(); ++span) {
+    for (int beam = 1; beam <= BRIDGE_BEAMS; ++beam) {
+      std::vector<int> members;
+      for (int station = SUPPORT_STATIONS[span - 1]; station < SUPPORT_STATIONS[span]; ++station)
+        members.push_back(beam_member(station, beam));
+      model.beams.push_back(
+          BEAM_RESPONSE(BRIDGE_BEAM(static_cast<int>(span), beam), deck, members, sides, BEAM_MODULI));
+    }
+  }
+}
+
+/// A metre of slab between two beams, whose strip of the grillage gives its forces per metre.
+void add_panels(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
+  for (int panel = 1; panel < BRIDGE_BEAMS; ++panel) {
+    T_RESPONSE response = no_response(panel, PLATE_VALUES, deck);
+    const std::array<int, 1> strip = {slab_member(35, panel)};
+    for (int load = 1; load <= deck.LOADS(); ++load) {
+      const T_SECTION_FORCES middle = deck.BEAM_FORCES(load, strip, 0.5).load_behind;
+      const auto set = [&](BRIDGE_PANEL_ITEM item, double value) {
+        response.values[static_cast<std::size_t>(item) - 1][static_cast<std::size_t>(load) - 1] =
+            static_cast<float>(value);
+      };
+      set(BRIDGE_PANEL_MOMENT_ACROSS, middle.moment);
+      set(BRIDGE_PANEL_TORSION, middle.torsion);
+      set(BRIDGE_PANEL_SHEAR_ACROSS, middle.shear);
+    }
+    model.plates.push_back(std::move(response));
+  }
+}
+
 /// The links of a place on the deck, `half_metres` from its start and y across.
 T_TRANSVERSE_ENTRY links_at(T_LANE& lane, int half_metres, double y) {
   const int left = static_cast<int>(std::floor(y / BEAM_SPACING)) + 1;
@@ -142,10 +217,12 @@ T_TRANSVERSE_ENTRY links_at(T_LANE& lane, int half_metres, double y) {
     return {.a = {.load = BRIDGE_NODE(station, left), .weight = 1.0 - share},
             .b = {.load = BRIDGE_NODE(station, left + 1), .weight = share}};
 
-  lane.spread_rows.push_back({{.load = BRIDGE_NODE(station, left), .weight = 0.5 * (1.0 - share)},
-                              {.load = BRIDGE_NODE(station, left + 1), .weight = 0.5 * share},
-                              {.load = BRIDGE_NODE(station + 1, left), .weight = 0.5 * (1.0 - share)},
-                              {.load = BRIDGE_NODE(station + 1, left + 1), .weight = 0.5 * share}});
+  const auto behind = [station](int beam) { return unit_load(station, beam, LOAD_SIDE::BEHIND); };
+  const auto before = [station](int beam) { return unit_load(station + 1, beam, LOAD_SIDE::BEFORE); };
+  lane.spread_rows.push_back({{.load = behind(left), .weight = 0.5 * (1.0 - share)},
+                              {.load = behind(left + 1), .weight = 0.5 * share},
+                              {.load = before(left), .weight = 0.5 * (1.0 - share)},
+                              {.load = before(left + 1), .weight = 0.5 * share}});
   return {.a = {.load = -static_cast<std::int32_t>(lane.spread_rows.size()), .weight = 1.0}};
 }
 
@@ -262,13 +339,33 @@ std::vector<T_NAMED_RESULT> make_results() {
   return results;
 }
 
+std::vector<T_NAMED_RESULT> make_element_results() {
+  const int inner_beam = BRIDGE_BEAM(2, 3);
+  const auto of_inner_beam = [inner_beam](const std::string& name, int item, const char* unit) {
+    return T_NAMED_RESULT{name + ", inner beam", BEAM_KIND, inner_beam, item, unit};
+  };
+  return {
+      of_inner_beam("moment at midspan of the main span", BEAM_FORCE_ITEM(BEAM_MIDDLE, BEAM_MOMENT), "kNm"),
+      of_inner_beam("moment over pier 1", BEAM_FORCE_ITEM(BEAM_START, BEAM_MOMENT), "kNm"),
+      of_inner_beam("shear behind pier 1", BEAM_FORCE_ITEM(BEAM_START, BEAM_SHEAR), "kN"),
+      of_inner_beam("shear at midspan of the main span", BEAM_FORCE_ITEM(BEAM_MIDDLE, BEAM_SHEAR), "kN")};
+}
+
 }  // namespace
+
+int BRIDGE_LOADED_NODE(int load) {
+  if (load <= NODES) return load;
+  const int place = load - NODES - 1;
+  const std::size_t section = static_cast<std::size_t>(place / BRIDGE_BEAMS) % SECTION_STATIONS.size();
+  return BRIDGE_NODE(SECTION_STATIONS[section], place % BRIDGE_BEAMS + 1);
+}
 
 T_EXAMPLE EXAMPLE_BRIDGE() {
   const T_GRILLAGE grillage = make_grillage();
-  std::vector<int> every_node;
-  for (int node = 1; node <= NODES; ++node) every_node.push_back(node);
-  const T_GRILLAGE_RESPONSES deck = SOLVE_GRILLAGE(grillage, every_node);
+  std::vector<int> loaded_nodes;
+  for (int load = 1; load <= NODES + 2 * ONE_SIDED_LOADS; ++load)
+    loaded_nodes.push_back(BRIDGE_LOADED_NODE(load));
+  const T_GRILLAGE_RESPONSES deck = SOLVE_GRILLAGE(grillage, loaded_nodes);
 
   T_EXAMPLE example;
   example.title = "Three-span continuous deck, 20 + 30 + 20 m, five beams, three notional lanes";
@@ -281,9 +378,12 @@ T_EXAMPLE EXAMPLE_BRIDGE() {
                         "HB across lanes 1 and 2, HA UDL beside it full on one and a third on the other",
                         "HB in any of these ways"};
   example.results = make_results();
+  example.element_results = make_element_results();
 
   T_MODEL& model = example.model;
-  model.unit_loads = NODES;
+  model.unit_loads = deck.LOADS();
+  model.plate_form = PLATE_FORM;
+  model.elements_per_file = ELEMENTS_PER_FILE;
   for (int lane = 1; lane <= NOTIONAL_LANES; ++lane) model.lanes.push_back(make_lane({axis_of(lane)}));
   model.lanes.push_back(make_straddle_lane());
   model.vehicle_groups = {{.group = 1, .vehicles = {HA_1978_VEHICLE()}}};
@@ -291,6 +391,9 @@ T_EXAMPLE EXAMPLE_BRIDGE() {
   add_displacements(model, deck);
   add_reactions(model, grillage, deck);
   add_section_forces(model, deck);
+  add_bearings(model);
+  add_beams(model, deck);
+  add_panels(model, deck);
   return example;
 }
 

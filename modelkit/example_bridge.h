@@ -7,14 +7,26 @@
 // The deck is a plane grillage with nodes every metre along each beam; all units are kN and m. A beam and its
 // slab have EI = 9.0e6 and GJ = 2.2e5, the slab strips across EI = 3.1e4 and GJ = 2.6e4 a metre, the
 // diaphragms over the supports EI = 1.0e6 and GJ = 1.5e5. Each beam stands on an elastic bearing of 1.0e6
-// kN/m over every abutment and pier, 20 in all.
+// kN/m over every abutment and pier, 20 in all. The beam's section moduli are 0.44 m3 at the top and 0.31 m3
+// at the bottom.
 //
 // Numbers and signs:
-//   node         5 * (x in m) + beam, from 1 to 355; unit load k stands on node k, 1 kN downward
+//   node         5 * (x in m) + beam, from 1 to 355; unit load k to 355 stands on node k, 1 kN downward
 //   DISP         every node: item 3 deflection, downward; items 4 and 5 rotations about x (along the bridge)
 //                and y (to its right), right-handed with z downward
 //   REAC         the nodes over the supports: item 3 reaction, upward
 //   SIMB         id = beam, items as BRIDGE_ITEM: section forces, moments sagging
+//   beams        5 * (span - 1) + beam, from 1 to 15: a beam over a whole span; items as in beam_results.h
+//   trusses      the bearings in the order of REAC, 5 * (support - 1) + beam, from 1 to 20: items 1 and 2,
+//                the force in either end, tension positive
+//   plates       1 to 4, the metre of slab between the beams 1 and 2, 2 and 3 and so on, in the middle of
+//                the main span; form 1, items as BRIDGE_PANEL_ITEM
+//
+// A beam's sections at its quarter points lie just before their nodes, and with them before the strip of slab
+// there. A load that passes such a section changes its shear by 1. The lanes' points half a metre before and
+// behind it bear on its node, but from one side: unit loads 356 to 425 serve them. These stand on the nodes
+// at x = 5, 10, 15, 35, 55, 60 and 65, on five beams each time, up to 390 just before the section and from
+// 391 just behind it. The sections at x = 27.5 and 42.5 lie between two nodes, where no load stands on them.
 //
 // Each lane runs from x = -80 m to 150 m, far enough for the longest HB vehicle with its clear distances to
 // drive off the deck; distances along a lane start there, so that the deck begins at distance 80. Points
@@ -44,6 +56,21 @@ inline constexpr double BRIDGE_APPROACH = 80.0;  // distance along a lane at whi
 constexpr int BRIDGE_NODE(int station, int beam) {
   return BRIDGE_BEAMS * station + beam;
 }
+
+/// Node on which a unit load stands.
+int BRIDGE_LOADED_NODE(int load);
+
+/// Element of a beam over a span, 1 to 3.
+constexpr int BRIDGE_BEAM(int span, int beam) {
+  return BRIDGE_BEAMS * (span - 1) + beam;
+}
+
+/// Components of the slab panels, in kNm and kN per metre of bridge; the others of the eight are 0.
+enum BRIDGE_PANEL_ITEM : int {
+  BRIDGE_PANEL_MOMENT_ACROSS = 5,
+  BRIDGE_PANEL_TORSION = 6,
+  BRIDGE_PANEL_SHEAR_ACROSS = 8
+};
 
 /// Components of SIMB, id = beam. At a section the value just before it is meant unless "behind" is said.
 enum BRIDGE_ITEM : int {
@@ -88,7 +115,8 @@ struct T_EXAMPLE {
   std::string title;
   std::vector<std::string> lane_names;
   std::vector<std::string> case_names;
-  std::vector<T_NAMED_RESULT> results;
+  std::vector<T_NAMED_RESULT> results;          // of blocks of the directory file
+  std::vector<T_NAMED_RESULT> element_results;  // of element files
 };
 
 /// The example bridge; its responses are worked out afresh, in a fraction of a second.

@@ -203,6 +203,37 @@ T_SECTION_FORCES T_GRILLAGE_RESPONSES::END_FORCES(int load, int member) const {
   return {.shear = actions(3), .torsion = actions(5), .moment = -actions(4)};
 }
 
+T_BEAM_SECTION T_GRILLAGE_RESPONSES::BEAM_FORCES(int load, std::span<const int> beam, double part) const {
+  constexpr double ON_THE_NODE = 1e-9;  // of a member's length
+  const auto bar = [this](int member) -> const T_GRILLAGE_MEMBER& {
+    return grillage_.members.at(index(member));
+  };
+  const int loaded = loaded_nodes_.at(index(load));
+  double before = 0.0;  // length of the beam before the section and behind the members passed
+  for (const int member : beam) before += part * direction_of(grillage_, bar(member)).length;
+  if (!(before > 0.0)) {
+    const T_SECTION_FORCES forces = START_FORCES(load, beam.front());
+    T_BEAM_SECTION section{.load_before = forces, .load_behind = forces};
+    if (loaded == bar(beam.front()).start) section.load_behind.shear += 1.0;
+    return section;
+  }
+  std::size_t place = 0;
+  double length = direction_of(grillage_, bar(beam[0])).length;
+  while (before > (1.0 + ON_THE_NODE) * length && place + 1 < beam.size()) {
+    before -= length;
+    length = direction_of(grillage_, bar(beam[++place])).length;
+  }
+  if (before < (1.0 - ON_THE_NODE) * length) {
+    T_SECTION_FORCES forces = START_FORCES(load, beam[place]);
+    forces.moment += before * forces.shear;
+    return {.load_before = forces, .load_behind = forces};
+  }
+  const T_SECTION_FORCES forces = END_FORCES(load, beam[place]);
+  T_BEAM_SECTION section{.load_before = forces, .load_behind = forces};
+  if (loaded == bar(beam[place]).end) section.load_before.shear -= 1.0;
+  return section;
+}
+
 T_GRILLAGE_RESPONSES SOLVE_GRILLAGE(const T_GRILLAGE& grillage, const std::vector<int>& loaded_nodes) {
   check_references(grillage, loaded_nodes);
   const sparse free_stiffness = structure_stiffness(grillage);
@@ -221,6 +252,7 @@ T_GRILLAGE_RESPONSES SOLVE_GRILLAGE(const T_GRILLAGE& grillage, const std::vecto
 
   T_GRILLAGE_RESPONSES responses;
   responses.grillage_ = grillage;
+  responses.loaded_nodes_ = loaded_nodes;
   for (Eigen::Index load = 0; load < loads.cols(); ++load) {
     const auto column = displacements.col(load);
     responses.displacements_.emplace_back(column.begin(), column.end());

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <limits>
+#include <span>
 #include <vector>
 
 namespace modelkit {
@@ -54,6 +55,12 @@ struct T_SECTION_FORCES {
   double moment = 0.0;
 };
 
+/// Section forces of a beam at one place, for a load just before the section and one just behind it.
+struct T_BEAM_SECTION {
+  T_SECTION_FORCES load_before;
+  T_SECTION_FORCES load_behind;
+};
+
 /// The answers of a grillage to unit loads. Load k is the k-th loaded node of SOLVE_GRILLAGE.
 class T_GRILLAGE_RESPONSES {
  public:
@@ -64,6 +71,11 @@ class T_GRILLAGE_RESPONSES {
   /// Section forces at a member's start and end.
   [[nodiscard]] T_SECTION_FORCES START_FORCES(int load, int member) const;
   [[nodiscard]] T_SECTION_FORCES END_FORCES(int load, int member) const;
+  /// Section forces at `part` of a beam's length, from 0 to 1. The beam is members in a straight row, at
+  /// least one, each beginning where the one before ends. A section on a node lies just before it, that at
+  /// the beam's start just behind it. Both forms are the same but where the load stands on that very node:
+  /// its passing the section changes the shear by 1, and nothing else.
+  [[nodiscard]] T_BEAM_SECTION BEAM_FORCES(int load, std::span<const int> beam, double part) const;
   [[nodiscard]] int LOADS() const { return static_cast<int>(displacements_.size()); }
 
  private:
@@ -72,6 +84,7 @@ class T_GRILLAGE_RESPONSES {
   [[nodiscard]] std::array<double, 6> member_displacements(int load, int member) const;
 
   T_GRILLAGE grillage_;
+  std::vector<int> loaded_nodes_;
   std::vector<std::vector<double>> displacements_;  // [load][3 * node + dof], from 0
   std::vector<std::vector<double>> reactions_;      // [load][3 * support + dof]
 };

@@ -12,10 +12,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "kernel/control_blocks.h"
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
@@ -52,6 +54,11 @@ struct T_EXAMPLE_FILES {
   std::vector<T_SUGGESTION> suggestions;
 };
 
+struct T_WRITTEN_FILES {
+  fs::path directory_file;
+  int element_files = 0;
+};
+
 T_EXAMPLE_FILES bridge() {
   modelkit::T_EXAMPLE example = modelkit::EXAMPLE_BRIDGE();
   T_EXAMPLE_FILES files;
@@ -59,7 +66,9 @@ T_EXAMPLE_FILES bridge() {
   files.title = example.title;
   for (std::size_t mv_case = 0; mv_case < example.case_names.size(); ++mv_case)
     files.title += fmt::format("\n  moving load case {}: {}", mv_case + 1, example.case_names[mv_case]);
-  for (const modelkit::T_NAMED_RESULT& result : example.results) {
+  std::vector<modelkit::T_NAMED_RESULT> results = std::move(example.results);
+  results.insert(results.end(), example.element_results.begin(), example.element_results.end());
+  for (const modelkit::T_NAMED_RESULT& result : results) {
     const T_KIND* kind = FIND_KIND(std::to_string(result.kind));
     files.suggestions.push_back({fmt::format("{}, in {}", result.name, result.unit), std::string(kind->name),
                                  result.id, result.item});
@@ -134,40 +143,58 @@ std::string contents(const fs::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Writes beside the file's place and then moves there, so that a file of other contents is never lost.
-fs::path write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTIONS& options) {
+/// What stands behind the extension in the names of a model's files: of the element files that there may be
+/// family and number, and of the block directory file nothing.
+std::vector<std::string> name_ends() {
+  std::vector<std::string> ends;
+  for (const char family : kernel::ELEMENT_FAMILIES)
+    for (const char number : std::string_view("123456789")) ends.push_back({family, number});
+  ends.emplace_back();
+  return ends;
+}
+
+/// Writes beside the files' place and then moves there, so that a file of other contents is never lost.
+T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTIONS& options) {
   const fs::path folder(options.folder);
   const std::string extension = modelkit::FILE_EXTENSION(0);
-  fs::path target = folder / (files.stem + extension);
-  const fs::path new_base = folder / (files.stem + ".new");
-  const fs::path new_file = folder / (files.stem + ".new" + extension);
+  const auto target = [&](const std::string& end) { return folder / (files.stem + extension + end); };
+  const auto new_file = [&](const std::string& end) {
+    return folder / (files.stem + ".new" + extension + end);
+  };
   std::error_code error;
+  const auto fail = [&](const std::string& reason, const std::string& advice) {
+    for (const std::string& end : name_ends()) fs::remove(new_file(end), error);
+    throw T_TOOL_FAILURE(reason, advice);
+  };
   fs::create_directories(folder, error);
   if (error) {
     throw T_TOOL_FAILURE(fmt::format("{}: the folder can't be made: {}", options.folder, error.message()),
                          "name a folder in which you may write");
   }
   try {
-    modelkit::WRITE_MODEL(files.model, new_base.string());
+    modelkit::WRITE_MODEL(files.model, (folder / (files.stem + ".new")).string());
   } catch (const std::runtime_error& failure) {
-    fs::remove(new_file, error);
-    throw T_TOOL_FAILURE(failure.what(), "name a folder in which you may write, with room on its disk");
+    fail(failure.what(), "name a folder in which you may write, with room on its disk");
   }
-  const bool is_other = fs::exists(target, error) && contents(target) != contents(new_file);
-  if (is_other && !options.force) {
-    fs::remove(new_file, error);
-    throw T_TOOL_FAILURE(
-        fmt::format("{}: there is already a file of this name, with other contents", target.string()),
-        "name another folder, or add --force to replace the file");
+  for (const std::string& end : name_ends()) {
+    const bool is_other = fs::exists(target(end), error) && contents(target(end)) != contents(new_file(end));
+    if (is_other && !options.force)
+      fail(fmt::format("{}: there is already a file of this name, with other contents", target(end).string()),
+           "name another folder, or add --force to replace the file");
   }
-  fs::rename(new_file, target, error);
-  if (error) {
-    const std::string reason = error.message();
-    fs::remove(new_file, error);
-    throw T_TOOL_FAILURE(fmt::format("{}: the file can't be put there: {}", target.string(), reason),
-                         "name another folder");
+  T_WRITTEN_FILES written{.directory_file = target("")};
+  for (const std::string& end : name_ends()) {
+    if (!fs::exists(new_file(end), error)) {
+      fs::remove(target(end), error);  // an element file that the model before had
+      continue;
+    }
+    fs::rename(new_file(end), target(end), error);
+    if (error)
+      fail(fmt::format("{}: the file can't be put there: {}", target(end).string(), error.message()),
+           "name another folder");
+    if (!end.empty()) ++written.element_files;
   }
-  return target;
+  return written;
 }
 
 /// A word of a command line, in quotes where it needs them.
@@ -182,15 +209,18 @@ std::string shell_word(const std::string& text) {
 
 void run(const T_EXAMPLE_OPTIONS& options) {
   T_EXAMPLE_FILES files;
-  fs::path file;
+  T_WRITTEN_FILES written;
   {
     const T_PROGRESS progress("working out the example's responses");
     files = make_example(options);
-    file = write_files(files, options);
+    written = write_files(files, options);
   }
+  const fs::path& file = written.directory_file;
   const std::string base = shell_word((file.parent_path() / files.stem).string());
-  std::string text = fmt::format("{}\n\nWritten: {} ({} bytes)\n\nTo try next:\n  movload inspect {}\n\n",
-                                 files.title, file.string(), fs::file_size(file), base);
+  std::string text = fmt::format(
+      "{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title, file.string(),
+      fs::file_size(file),
+      written.element_files == 0 ? "" : fmt::format(" and {} element files", written.element_files), base);
   for (const T_SUGGESTION& suggestion : files.suggestions) {
     text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case {}\n",
                         suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item,

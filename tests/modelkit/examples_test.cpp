@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -90,6 +91,16 @@ class example_bridge : public testing::Test {
   static const std::vector<float>& section(int beam, BRIDGE_ITEM item) {
     return bridge().model.simb[static_cast<std::size_t>(beam) - 1].values[static_cast<std::size_t>(item) - 1];
   }
+  /// Value v of a beam's record, from 1.
+  static const std::vector<float>& beam_value(int span, int beam, int v) {
+    return bridge()
+        .model.beams[static_cast<std::size_t>(BRIDGE_BEAM(span, beam)) - 1]
+        .values[static_cast<std::size_t>(v) - 1];
+  }
+  /// Where a unit load stands, in m from the first abutment; loads from 0.
+  static double load_at(std::size_t load) {
+    return (BRIDGE_LOADED_NODE(static_cast<int>(load) + 1) - 1) / BRIDGE_BEAMS;
+  }
 };
 
 TEST_F(example_bridge, every_unit_load_is_carried_by_the_bearings) {
@@ -102,7 +113,7 @@ TEST_F(example_bridge, every_unit_load_is_carried_by_the_bearings) {
       about_abutment += reaction * ((support.id - 1) / BRIDGE_BEAMS);
     }
     ASSERT_NEAR(sum, 1.0, 1e-5);
-    ASSERT_NEAR(about_abutment, static_cast<double>(load / BRIDGE_BEAMS), 1e-3);
+    ASSERT_NEAR(about_abutment, load_at(load), 1e-3);
   }
 }
 
@@ -132,8 +143,7 @@ TEST_F(example_bridge, a_lane_bears_on_the_deck_alone_and_its_segments_repeat_th
     EXPECT_GE(lane.points.back().x - BRIDGE_APPROACH - BRIDGE_LENGTH, 26.0 + 2.0 * 1.8 + 2.0 * 25.0);
     // The shares of a point balance about it.
     std::vector<float> station(one.size());
-    for (std::size_t load = 0; load < one.size(); ++load)
-      station[load] = static_cast<float>(load / BRIDGE_BEAMS);
+    for (std::size_t load = 0; load < one.size(); ++load) station[load] = static_cast<float>(load_at(load));
     const std::vector<double> place = line_of(lane, station);
     for (std::size_t i = 0; i < place.size(); ++i)
       ASSERT_NEAR(place[i], share[i] * (lane.points[i].x - BRIDGE_APPROACH), 1e-9);
@@ -156,6 +166,55 @@ TEST_F(example_bridge, the_straddle_lane_has_its_parents_entries_on_planes_two_a
       point.entries = {first, first + straddle.entries_per_plane};
     }
     EXPECT_EQ(line_of(alone, deflection), line_of(parent, deflection));
+  }
+}
+
+// A cut across the deck in the middle of the main span: the beams' forces there balance the bearings before
+// it and the load, where that stands before it.
+TEST_F(example_bridge, the_forces_of_the_beams_balance_the_bearings_before_a_section) {
+  constexpr double CUT = 35.0;
+  const auto nodes = static_cast<std::size_t>(BRIDGE_NODE(BRIDGE_LENGTH, BRIDGE_BEAMS));
+  for (const int load_behind : {0, 1}) {
+    for (std::size_t load = 0; load < nodes; ++load) {
+      const double a = load_at(load);
+      const bool is_before = load_behind == 1 ? a < CUT : a <= CUT;
+      double shear = is_before ? -1.0 : 0.0;
+      double moment = is_before ? a - CUT : 0.0;
+      for (const T_RESPONSE& truss : bridge().model.trusses) {
+        const double x = std::array{0.0, 20.0, 50.0, 70.0}[static_cast<std::size_t>((truss.id - 1) / 5)];
+        if (x > CUT) continue;
+        shear -= static_cast<double>(truss.values[0][load]);
+        moment -= (CUT - x) * static_cast<double>(truss.values[1][load]);
+      }
+      for (int beam = 1; beam <= BRIDGE_BEAMS; ++beam) {
+        shear -= static_cast<double>(beam_value(2, beam, 23 + load_behind)[load]);   // item 15
+        moment -= static_cast<double>(beam_value(2, beam, 27 + load_behind)[load]);  // item 17
+      }
+      ASSERT_NEAR(shear, 0.0, 1e-5) << load;
+      ASSERT_NEAR(moment, 0.0, 1e-3) << load;
+    }
+  }
+}
+
+TEST_F(example_bridge, a_lane_meets_a_jump_of_shear_at_its_section_alone_and_ends_agree_with_block_simb) {
+  // Of the three places across lane 1, 1, 2 and 3 m from beam 1, beam 2 at 2.5 m carries 0.4, 0.8 and 0.8.
+  const T_LANE& lane = bridge().model.lanes[0];
+  for (const int v : {11, 23, 35}) {  // items 9, 15 and 21, the shear at the quarter points
+    const std::vector<double> before = line_of(lane, beam_value(1, 2, v));
+    const std::vector<double> behind = line_of(lane, beam_value(1, 2, v + 1));
+    for (std::size_t i = 0; i < before.size(); ++i) {
+      const bool at_section = lane.points[i].x == BRIDGE_APPROACH + 5.0 * (v / 12 + 1);
+      ASSERT_NEAR(behind[i] - before[i], at_section ? 2.0 / 3.0 : 0.0, 1e-6) << lane.points[i].x;
+    }
+  }
+  for (int beam = 1; beam <= BRIDGE_BEAMS; ++beam) {
+    EXPECT_EQ(beam_value(1, beam, 3), section(beam, BRIDGE_SHEAR_ABUTMENT));
+    EXPECT_EQ(beam_value(1, beam, 4), section(beam, BRIDGE_TORSION_ABUTMENT));
+    EXPECT_EQ(beam_value(1, beam, 45), section(beam, BRIDGE_SHEAR_BEFORE_PIER_1));
+    EXPECT_EQ(beam_value(1, beam, 47), section(beam, BRIDGE_MOMENT_FIRST_PIER));
+    EXPECT_EQ(beam_value(2, beam, 3), section(beam, BRIDGE_SHEAR_BEHIND_PIER_1));
+    EXPECT_EQ(beam_value(2, beam, 27), section(beam, BRIDGE_MOMENT_MAIN_SPAN));
+    EXPECT_EQ(beam_value(2, beam, 28), section(beam, BRIDGE_MOMENT_MAIN_SPAN));
   }
 }
 

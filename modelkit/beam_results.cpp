@@ -1,0 +1,60 @@
+#include "modelkit/beam_results.h"
+
+#include <cstddef>
+
+namespace modelkit {
+namespace {
+
+constexpr int FORCE_COLUMNS = 48;
+constexpr int VALUES = 68;
+constexpr int STATIONS = 5;
+
+/// Column (from 0) of a section force for a load before the section. For a load behind it, it is the next one
+/// between the ends and the same at the ends.
+std::size_t force_column(int station, BEAM_FORCE force) {
+  const int first = station == BEAM_START ? 0 : 12 * station - 6;
+  return static_cast<std::size_t>(first +
+                                  (force - 1) * (station == BEAM_START || station == BEAM_END ? 1 : 2));
+}
+
+std::size_t stress_column(int station, BEAM_CORNER corner) {
+  return static_cast<std::size_t>(FORCE_COLUMNS + 4 * station + corner - 1);
+}
+
+}  // namespace
+
+T_RESPONSE BEAM_RESPONSE(int id, const T_GRILLAGE_RESPONSES& grillage, std::span<const int> beam,
+                         std::span<const LOAD_SIDE> sides, const T_SECTION_MODULI& moduli) {
+  T_RESPONSE response{.id = id, .values = std::vector(VALUES, std::vector<float>(sides.size()))};
+  for (std::size_t load = 0; load < sides.size(); ++load) {
+    const auto set = [&](std::size_t column, double value) {
+      response.values[column][load] = static_cast<float>(value);
+    };
+    for (int station = BEAM_START; station <= BEAM_END; ++station) {
+      const T_BEAM_SECTION section =
+          grillage.BEAM_FORCES(static_cast<int>(load) + 1, beam, station / (STATIONS - 1.0));
+      // At the ends a load on both sides is the one off the beam.
+      const bool only_before =
+          sides[load] == LOAD_SIDE::BEFORE || (sides[load] == LOAD_SIDE::BOTH && station == BEAM_START);
+      const bool only_behind =
+          sides[load] == LOAD_SIDE::BEHIND || (sides[load] == LOAD_SIDE::BOTH && station == BEAM_END);
+      const T_SECTION_FORCES& first = only_behind ? section.load_behind : section.load_before;
+      const T_SECTION_FORCES& second = only_before ? section.load_before : section.load_behind;
+      const auto set_both = [&](BEAM_FORCE force, double T_SECTION_FORCES::*value) {
+        const std::size_t column = force_column(station, force);
+        set(column, first.*value);
+        if (station != BEAM_START && station != BEAM_END) set(column + 1, second.*value);
+      };
+      set_both(BEAM_SHEAR, &T_SECTION_FORCES::shear);
+      set_both(BEAM_TORSION, &T_SECTION_FORCES::torsion);
+      set_both(BEAM_MOMENT, &T_SECTION_FORCES::moment);
+      for (const BEAM_CORNER corner : {BEAM_TOP_LEFT, BEAM_TOP_RIGHT})
+        set(stress_column(station, corner), -first.moment / moduli.top);
+      for (const BEAM_CORNER corner : {BEAM_BOTTOM_LEFT, BEAM_BOTTOM_RIGHT})
+        set(stress_column(station, corner), first.moment / moduli.bottom);
+    }
+  }
+  return response;
+}
+
+}  // namespace modelkit
