@@ -23,23 +23,20 @@ std::size_t stress_column(int station, BEAM_CORNER corner) {
 
 }  // namespace
 
-T_RESPONSE BEAM_RESPONSE(int id, const T_GRILLAGE_RESPONSES& grillage, std::span<const int> beam,
-                         std::span<const LOAD_SIDE> sides, const T_SECTION_MODULI& moduli) {
+T_RESPONSE BEAM_RESPONSE(int id, std::span<const LOAD_SIDE> sides, const T_SECTION_MODULI& moduli,
+                         const T_BEAM_FORCES& forces) {
   T_RESPONSE response{.id = id, .values = std::vector(VALUES, std::vector<float>(sides.size()))};
   for (std::size_t load = 0; load < sides.size(); ++load) {
     const auto set = [&](std::size_t column, double value) {
       response.values[column][load] = static_cast<float>(value);
     };
     for (int station = BEAM_START; station <= BEAM_END; ++station) {
-      const T_BEAM_SECTION section =
-          grillage.BEAM_FORCES(static_cast<int>(load) + 1, beam, station / (STATIONS - 1.0));
-      // At the ends a load on both sides is the one off the beam.
-      const bool only_before =
-          sides[load] == LOAD_SIDE::BEFORE || (sides[load] == LOAD_SIDE::BOTH && station == BEAM_START);
-      const bool only_behind =
-          sides[load] == LOAD_SIDE::BEHIND || (sides[load] == LOAD_SIDE::BOTH && station == BEAM_END);
-      const T_SECTION_FORCES& first = only_behind ? section.load_behind : section.load_before;
-      const T_SECTION_FORCES& second = only_before ? section.load_before : section.load_behind;
+      const T_BEAM_SECTION section = forces(static_cast<int>(load) + 1, station / (STATIONS - 1.0));
+      // The one column of an end is for the load on the beam.
+      const bool is_behind = sides[load] == LOAD_SIDE::BEHIND || station == BEAM_START;
+      const T_SECTION_FORCES& first = is_behind ? section.load_behind : section.load_before;
+      const T_SECTION_FORCES& second =
+          sides[load] == LOAD_SIDE::BEFORE ? section.load_before : section.load_behind;
       const auto set_both = [&](BEAM_FORCE force, double T_SECTION_FORCES::*value) {
         const std::size_t column = force_column(station, force);
         set(column, first.*value);

@@ -1,14 +1,15 @@
-// The results of a beam element out of a grillage, as a record of the B files holds them.
+// The results of a beam element, as a record of the B files holds them.
 //
 // A beam has five stations: its start, its quarter points and its end. Each has six section forces, items 1
-// to 30, and the bending stresses at the four corners of the section, items 31 to 50. Signs are those of the
-// grillage, stresses positive in tension. A grillage knows no axial force and nothing sideways.
+// to 30, and the bending stresses at the four corners of the section, items 31 to 50. Signs are those of
+// T_SECTION_FORCES, stresses positive in tension. Axial forces and those sideways are 0 here.
 //
 // Where a unit load stands on a section, its forces have two values: for the load just before the section and
 // for the load just behind it. At the three stations between the ends every force therefore has two columns.
 // At the ends there is one: a load over an end of the beam counts as not on it.
 #pragma once
 
+#include <functional>
 #include <span>
 
 #include "modelkit/grillage.h"
@@ -50,9 +51,11 @@ struct T_SECTION_MODULI {
   double bottom = 1.0;
 };
 
-/// The 68 values of a beam under every load of a solved grillage; `beam` as for BEAM_FORCES, and `sides` has
-/// one entry for each load.
-T_RESPONSE BEAM_RESPONSE(int id, const T_GRILLAGE_RESPONSES& grillage, std::span<const int> beam,
-                         std::span<const LOAD_SIDE> sides, const T_SECTION_MODULI& moduli);
+/// Section forces under a unit load, from 1, at a part of the beam's length, from 0 to 1.
+using T_BEAM_FORCES = std::function<T_BEAM_SECTION(int load, double part)>;
+
+/// The 68 values of a beam under every unit load; `sides` has one entry for each.
+T_RESPONSE BEAM_RESPONSE(int id, std::span<const LOAD_SIDE> sides, const T_SECTION_MODULI& moduli,
+                         const T_BEAM_FORCES& forces);
 
 }  // namespace modelkit

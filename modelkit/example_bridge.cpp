@@ -184,7 +184,8 @@ void add_beams(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
       for (int station = SUPPORT_STATIONS[span - 1]; station < SUPPORT_STATIONS[span]; ++station)
         members.push_back(beam_member(station, beam));
       model.beams.push_back(
-          BEAM_RESPONSE(BRIDGE_BEAM(static_cast<int>(span), beam), deck, members, sides, BEAM_MODULI));
+          BEAM_RESPONSE(BRIDGE_BEAM(static_cast<int>(span), beam), sides, BEAM_MODULI,
+                        [&](int load, double part) { return deck.BEAM_FORCES(load, members, part); }));
     }
   }
 }

@@ -6,6 +6,8 @@
 #include <functional>
 #include <utility>
 
+#include "modelkit/beam_results.h"
+
 namespace modelkit {
 namespace {
 
@@ -78,6 +80,14 @@ double simple_moment(double span, double x, double a) {
   return std::min(x, a) * (span - std::max(x, a)) / span;
 }
 
+/// Section forces at x of a simply supported span under a unit load at a.
+T_BEAM_SECTION simple_forces(double span, double x, double a) {
+  const double moment = simple_moment(span, x, a);
+  const auto shear = [&](bool is_before) { return is_before ? -a / span : 1.0 - a / span; };
+  return {.load_before = {.shear = shear(a <= x), .moment = moment},
+          .load_behind = {.shear = shear(a < x), .moment = moment}};
+}
+
 void append_stations(std::vector<double>& stations, double start, double span, int points) {
   for (int i = stations.empty() ? 0 : 1; i < points; ++i) stations.push_back(start + span * i / (points - 1));
 }
@@ -103,9 +113,14 @@ T_VEHICLE HA_1978_VEHICLE(double hb_units) {
 T_MODEL SIMPLE_SPAN_MODEL(double span, int points, const T_SPAN_LANE& lane) {
   std::vector<double> stations;
   append_stations(stations, 0.0, span, points);
-  return one_lane_model(stations, lane, [span](double a) {
+  T_MODEL model = one_lane_model(stations, lane, [span](double a) {
     return std::vector<double>{simple_moment(span, 0.5 * span, a), 1.0 - a / span};
   });
+  const std::vector<LOAD_SIDE> sides(stations.size(), LOAD_SIDE::BOTH);
+  model.beams = {BEAM_RESPONSE(1, sides, {}, [&](int load, double part) {
+    return simple_forces(span, part * span, stations[static_cast<std::size_t>(load) - 1]);
+  })};
+  return model;
 }
 
 T_MODEL TWO_SPAN_MODEL(double first_span, double second_span, int points, const T_SPAN_LANE& lane,

@@ -208,15 +208,8 @@ T_BEAM_SECTION T_GRILLAGE_RESPONSES::BEAM_FORCES(int load, std::span<const int> 
   const auto bar = [this](int member) -> const T_GRILLAGE_MEMBER& {
     return grillage_.members.at(index(member));
   };
-  const int loaded = loaded_nodes_.at(index(load));
   double before = 0.0;  // length of the beam before the section and behind the members passed
   for (const int member : beam) before += part * direction_of(grillage_, bar(member)).length;
-  if (!(before > 0.0)) {
-    const T_SECTION_FORCES forces = START_FORCES(load, beam.front());
-    T_BEAM_SECTION section{.load_before = forces, .load_behind = forces};
-    if (loaded == bar(beam.front()).start) section.load_behind.shear += 1.0;
-    return section;
-  }
   std::size_t place = 0;
   double length = direction_of(grillage_, bar(beam[0])).length;
   while (before > (1.0 + ON_THE_NODE) * length && place + 1 < beam.size()) {
@@ -230,7 +223,8 @@ T_BEAM_SECTION T_GRILLAGE_RESPONSES::BEAM_FORCES(int load, std::span<const int> 
   }
   const T_SECTION_FORCES forces = END_FORCES(load, beam[place]);
   T_BEAM_SECTION section{.load_before = forces, .load_behind = forces};
-  if (loaded == bar(beam[place]).end) section.load_before.shear -= 1.0;
+  const bool is_inner = place + 1 < beam.size();
+  if (is_inner && loaded_nodes_.at(index(load)) == bar(beam[place]).end) section.load_before.shear -= 1.0;
   return section;
 }
 

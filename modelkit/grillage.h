@@ -73,8 +73,9 @@ class T_GRILLAGE_RESPONSES {
   [[nodiscard]] T_SECTION_FORCES END_FORCES(int load, int member) const;
   /// Section forces at `part` of a beam's length, from 0 to 1. The beam is members in a straight row, at
   /// least one, each beginning where the one before ends. A section on a node lies just before it, that at
-  /// the beam's start just behind it. Both forms are the same but where the load stands on that very node:
-  /// its passing the section changes the shear by 1, and nothing else.
+  /// the beam's start just behind it. Both forms are the same but where the load stands on the very node of a
+  /// section between the ends: its passing the section changes the shear by 1, and nothing else. A load on an
+  /// end node goes into the node and not through the beam.
   [[nodiscard]] T_BEAM_SECTION BEAM_FORCES(int load, std::span<const int> beam, double part) const;
   [[nodiscard]] int LOADS() const { return static_cast<int>(displacements_.size()); }
 

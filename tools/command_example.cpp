@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "kernel/control_blocks.h"
+#include "modelkit/beam_results.h"
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
@@ -95,7 +96,9 @@ T_EXAMPLE_FILES simple_span(double span) {
   files.model = modelkit::SIMPLE_SPAN_MODEL(span);
   files.suggestions = {{fmt::format("moment at midspan, in kNm; by hand {:.2f}", moment_by_hand(span)),
                         "simb", 1, modelkit::SPAN_MIDSPAN_MOMENT},
-                       {"shear at the lane's start, in kN", "simb", 1, modelkit::SPAN_END_SHEAR}};
+                       {"shear at the lane's start, in kN", "simb", 1, modelkit::SPAN_END_SHEAR},
+                       {"shear at midspan, in kN", "beam", 1,
+                        modelkit::BEAM_FORCE_ITEM(modelkit::BEAM_MIDDLE, modelkit::BEAM_SHEAR)}};
   return files;
 }
 
@@ -217,10 +220,13 @@ void run(const T_EXAMPLE_OPTIONS& options) {
   }
   const fs::path& file = written.directory_file;
   const std::string base = shell_word((file.parent_path() / files.stem).string());
-  std::string text = fmt::format(
-      "{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title, file.string(),
-      fs::file_size(file),
-      written.element_files == 0 ? "" : fmt::format(" and {} element files", written.element_files), base);
+  std::string text =
+      fmt::format("{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
+                  file.string(), fs::file_size(file),
+                  written.element_files == 0 ? ""
+                                             : fmt::format(" and {} element file{}", written.element_files,
+                                                           written.element_files == 1 ? "" : "s"),
+                  base);
   for (const T_SUGGESTION& suggestion : files.suggestions) {
     text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case {}\n",
                         suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item,
