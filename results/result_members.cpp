@@ -39,7 +39,8 @@ constexpr std::int64_t WORD_BYTES = 4;
 std::int32_t components_of(const T_FAMILY& family, const T_COUNTS& counts) {
   if (family.COMPONENTS == OF_NODE) return counts.N_DOF;
   if (family.COMPONENTS != OF_PLATE) return family.COMPONENTS;
-  return PLATE_COMPONENTS[static_cast<std::size_t>(counts.PLATE_FORM - 1)];
+  const auto form = static_cast<std::size_t>(counts.PLATE_FORM - 1);
+  return form < PLATE_COMPONENTS.size() ? PLATE_COMPONENTS[form] : 0;
 }
 
 /// The row that serves a component; null for a kind that has no routine. Fails where the kind has no such
@@ -51,12 +52,12 @@ STATUS find_row(const T_COUNTS& counts, const kernel::T_REQUEST& request, const 
         CHECK_BOUNDS("PLATE_FORM", counts.PLATE_FORM, 1, std::int64_t{PLATE_COMPONENTS.size()});
     if (!status.OK()) return status.IN("MVIF", 1);
   }
-  std::int32_t items = 0;  // of the kind
   for (const T_FAMILY& row : FAMILY_TABLE) {
     if (row.RESULT_KIND != request.RESULT_KIND) continue;
-    items = row.ITEMS_BEFORE + components_of(row, counts);
-    if (component.ITEM > row.ITEMS_BEFORE && component.ITEM <= items) family = &row;
+    const std::int32_t last = row.ITEMS_BEFORE + components_of(row, counts);
+    if (component.ITEM > row.ITEMS_BEFORE && component.ITEM <= last) family = &row;
   }
+  const std::int32_t items = ITEMS_OF(request.RESULT_KIND, counts);
   if (family != nullptr || items == 0) return {};
   return CHECK_BOUNDS("RESULT_ITEM", request.RESULT_ITEM, 1, items);
 }
@@ -86,8 +87,7 @@ T_WANTED wanted_of(const T_FAMILY& family, const T_COUNTS& counts, const T_COMPO
     constexpr std::array<std::int32_t, 5> FIRST_PARTS{49, 52, 58, 64, 70};  // of components 4, 10, 16, 22, 28
     column = FIRST_PARTS[static_cast<std::size_t>((c - 4) / 6)] + (component.ITEM_PART - 1) * columns;
   }
-  const std::int32_t words = family.WORDS_SKIPPED + components_of(family, counts);
-  return {std::max(words, family.RECORD_WORDS), family.WORDS_SKIPPED + column - 1, columns};
+  return {RECORD_WORDS_OF(family, counts), family.WORDS_SKIPPED + column - 1, columns};
 }
 
 float word(const std::byte* record, std::int64_t index) {
@@ -225,6 +225,17 @@ const T_FAMILY* FIND_FAMILY(std::int32_t result_kind) {
       std::find_if(FAMILY_TABLE.begin(), FAMILY_TABLE.end(),
                    [result_kind](const T_FAMILY& family) { return family.RESULT_KIND == result_kind; });
   return row == FAMILY_TABLE.end() ? nullptr : &*row;
+}
+
+std::int32_t ITEMS_OF(std::int32_t result_kind, const T_COUNTS& counts) {
+  std::int32_t items = 0;
+  for (const T_FAMILY& row : FAMILY_TABLE)
+    if (row.RESULT_KIND == result_kind) items = row.ITEMS_BEFORE + components_of(row, counts);
+  return items;
+}
+
+std::int32_t RECORD_WORDS_OF(const T_FAMILY& family, const T_COUNTS& counts) {
+  return std::max(family.WORDS_SKIPPED + components_of(family, counts), family.RECORD_WORDS);
 }
 
 STATUS READ_RESPONSE(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,

@@ -46,6 +46,12 @@ struct T_FAMILY {
 /// The first row of a kind; null for a kind that has no routine.
 [[nodiscard]] const T_FAMILY* FIND_FAMILY(std::int32_t result_kind);
 
+/// Items of a kind, RESULT_ITEM from 1; 0 for a kind that has no routine, and for plates of no known form.
+[[nodiscard]] std::int32_t ITEMS_OF(std::int32_t result_kind, const kernel::T_COUNTS& counts);
+
+/// Words that are read of a record of the family: of element files, unless plates have no known form, all.
+[[nodiscard]] std::int32_t RECORD_WORDS_OF(const T_FAMILY& family, const kernel::T_COUNTS& counts);
+
 /// A component as the table numbers it. Five components of the walls come in three parts too.
 struct T_COMPONENT {
   std::int32_t ITEM = 0;       // of its kind, from 1; 0 none

@@ -152,7 +152,7 @@ T_SHEET make_sheet(const T_PLOT_OPTIONS& options, const T_ENVELOPE_ANSWER& answe
   T_SHEET sheet;
   sheet.unit = options.unit;
   const std::string result = fmt::format("{} {}, item {}", report.kind->name, report.id, report.item);
-  const std::string meaning = fmt::format("{} ({})", result, report.kind->meaning);
+  const std::string meaning = fmt::format("{} ({})", result, RESULT_MEANING(*report.kind, report.item));
   sheet.title = options.title.empty() ? meaning : options.title;
   sheet.subtitle = fmt::format("{}oving load case {} of {}", options.title.empty() ? "M" : meaning + ", m",
                                report.mv_case, report.cases);

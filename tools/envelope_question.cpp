@@ -98,6 +98,8 @@ std::vector<std::string> notes_on(const T_ENVELOPE_QUESTION& question, const T_B
     notes.push_back(fmt::format("the files hold no {} {}; ids: {}", points.kind->name, question.id,
                                 points.IDS_IN_WORDS()));
   }
+  if (question.item > points.items)
+    notes.push_back(fmt::format("a {} has items 1 to {}", points.kind->name, points.items));
   if (question.mv_case < 1 || question.mv_case > counts.N_MV_CASE) {
     notes.push_back(fmt::format("the files hold no moving load case {}; cases: {}", question.mv_case,
                                 counts.N_MV_CASE == 0 ? "none" : fmt::format("1 to {}", counts.N_MV_CASE)));
@@ -111,20 +113,28 @@ std::vector<std::string> notes_on(const T_ENVELOPE_QUESTION& question, const T_B
   return notes;
 }
 
-const T_KIND& searched_kind(const std::string& text) {
-  const T_KIND& kind = *FIND_KIND(text);
-  if (IS_SEARCHED(kind)) return kind;
-  std::vector<std::string_view> searched;
-  for (const T_KIND& other : ALL_KINDS())
-    if (IS_SEARCHED(other)) searched.push_back(other.name);
-  throw T_TOOL_FAILURE(fmt::format("this version doesn't search {} results", kind.name),
-                       fmt::format("ask for one of {}", fmt::join(searched, ", ")));
+/// Asks the library. Of an element beyond the files it can only say which record is missing.
+T_HOST_ANSWER ask(const T_HOST_QUESTION& question, const std::string& file_name, const T_KIND& kind) {
+  try {
+    return RUN_AS_HOST(question);
+  } catch (const T_TOOL_FAILURE& failure) {
+    kernel::RECORD_FILE unit;
+    kernel::T_COUNTS counts;
+    T_RESULT_POINTS points;
+    const bool is_element = kernel::READ_COUNTS(unit, file_name, counts).OK() &&
+                            READ_RESULT_POINTS(unit, file_name, counts, kind, points).OK() &&
+                            points.IS_IN_ELEMENT_FILES();
+    if (!is_element || points.HOLDS(question.result_id)) throw;
+    throw T_TOOL_FAILURE(failure.what(),
+                         points.runs.empty()
+                             ? fmt::format("the files hold no {} results: see `movload inspect`", kind.name)
+                             : fmt::format("give an --id that the files hold: {}", points.IDS_IN_WORDS()));
+  }
 }
 
 std::string kind_help() {
   std::vector<std::string> names;
-  for (const T_KIND& kind : ALL_KINDS())
-    if (IS_SEARCHED(kind)) names.push_back(fmt::format("{} ({})", kind.name, kind.result_kind));
+  for (const T_KIND& kind : ALL_KINDS()) names.push_back(fmt::format("{} ({})", kind.name, kind.result_kind));
   return fmt::format("Kind of result, by name or number:\n{}", fmt::join(names, ", "));
 }
 
@@ -147,7 +157,7 @@ void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question) {
 }
 
 T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
-  const T_KIND& kind = searched_kind(question.kind);
+  const T_KIND& kind = *FIND_KIND(question.kind);
   T_ENVELOPE_ANSWER result;
   T_ENVELOPE_REPORT& report = result.report;
   report.file = question.model.FIND_FILE();
@@ -158,12 +168,13 @@ T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
 
   const T_PROGRESS progress(
       fmt::format("searching {} {} of {}", kind.name, question.id, report.file.file_name));
-  const T_HOST_ANSWER answer = RUN_AS_HOST({.base_name = report.file.base_name,
-                                            .mode_code = report.file.analysis_code,
-                                            .result_kind = kind.result_kind,
-                                            .result_id = question.id,
-                                            .result_item = question.item,
-                                            .mv_case = question.mv_case});
+  const T_HOST_ANSWER answer = ask({.base_name = report.file.base_name,
+                                    .mode_code = report.file.analysis_code,
+                                    .result_kind = kind.result_kind,
+                                    .result_id = question.id,
+                                    .result_item = question.item,
+                                    .mv_case = question.mv_case},
+                                   report.file.file_name, kind);
   T_BACKGROUND background = read_background(report.file, kind);
   const kernel::T_COUNTS& counts = background.model.COUNTS;
   report.searched = answer.searched;

@@ -268,7 +268,7 @@ ordered_json side_json(const T_ENVELOPE_REPORT& report, HOST_SIDE side) {
 
 std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
   std::string text = fmt::format("{}: {} {}, item {} ({})\n", report.file.file_name, report.kind->name,
-                                 report.id, report.item, report.kind->meaning);
+                                 report.id, report.item, RESULT_MEANING(*report.kind, report.item));
   if (!report.searched) return text + "Nothing was searched.\n";
   text += is_in_files(report)
               ? fmt::format("Moving load case {} of {}, {} combination{}\n\n", report.mv_case, report.cases,
@@ -302,6 +302,7 @@ std::string ENVELOPE_JSON(const T_ENVELOPE_REPORT& report) {
                           {"result_kind", report.kind->result_kind},
                           {"id", report.id},
                           {"item", report.item},
+                          {"meaning", RESULT_MEANING(*report.kind, report.item)},
                           {"moving_load_case", report.mv_case},
                           {"combinations", report.combinations},
                           {"searched", report.searched},

@@ -96,9 +96,12 @@ class INSPECTOR {
   void read_results() {
     for (const T_KIND& kind : ALL_KINDS()) {
       T_RESULT_POINTS points;
-      if (!IS_SEARCHED(kind)) continue;
-      if (is_read(READ_RESULT_POINTS(unit_, file_name(), counts(), kind, points)) && points.held)
-        inspection_.results.push_back(std::move(points));
+      if (!is_read(READ_RESULT_POINTS(unit_, file_name(), counts(), kind, points)) || !points.held) continue;
+      for (const T_ELEMENT_FILE& file : points.files)
+        if (file.has_rest)
+          note(fmt::format("{}{}: the file ends within the records of an element", file_name(),
+                           file.name_end));
+      inspection_.results.push_back(std::move(points));
     }
   }
 

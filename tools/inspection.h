@@ -1,4 +1,4 @@
-// What a model's block directory file holds, as far as it can be read: a damaged part is told, and the rest
+// What a model's block directory file and its element files hold, as far as it can be read: a damaged part is told, and the rest
 // is shown all the same.
 #pragma once
 
@@ -32,7 +32,7 @@ struct T_INSPECTION {
   std::optional<std::size_t> class_definitions;
   std::optional<bool> has_axle_lists;
   std::optional<std::vector<T_CASE>> cases;
-  std::vector<T_RESULT_POINTS> results;  // kinds whose block is there
+  std::vector<T_RESULT_POINTS> results;  // kinds whose block or element files are there
   std::vector<std::string> failures;     // a line for each part that can't be read
 };
 

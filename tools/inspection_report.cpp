@@ -194,14 +194,40 @@ std::string cases_text(const T_INSPECTION& inspection) {
   return inspection.cases->empty() ? text + "  none\n" : text;
 }
 
+std::string element_files_text(const T_INSPECTION& inspection) {
+  T_TEXT_TABLE table(
+      {"<file", "<holds", "elements", "records each", "words each", "elements per file", "bytes"});
+  bool has_files = false;
+  for (const T_RESULT_POINTS& points : inspection.results) {
+    for (const T_ELEMENT_FILE& file : points.files) {
+      has_files = true;
+      table.ADD({"..." + file.name_end, std::string(points.kind->name), fmt::to_string(file.elements),
+                 fmt::to_string(inspection.counts->N_UNIT_LOAD), fmt::to_string(points.record_words),
+                 fmt::to_string(points.elements_per_file), fmt::to_string(file.bytes)});
+    }
+  }
+  return has_files ? "\nElement files\n" + table.TEXT() : "";
+}
+
+/// The order in which modelkit writes them.
+constexpr std::string_view BEAM_ITEMS_TEXT =
+    "  Items of a beam, as movload names them: at its start 1 axial force, 2 shear sideways, 3 shear,\n"
+    "  4 torsion, 5 moment, 6 moment sideways; so too at 1/4 from 7, at 1/2 from 13, at 3/4 from 19, at its\n"
+    "  end from 25. From 31 four stresses at each: top left, top right, bottom left, bottom right.\n";
+
 std::string results_text(const T_INSPECTION& inspection) {
   if (!inspection.counts) return "";
-  T_TEXT_TABLE table({"<--kind", "<block", "<--item", "<--id"});
+  T_TEXT_TABLE table({"<--kind", "<from", "<--item", "<--id"});
   for (const T_RESULT_POINTS& points : inspection.results) {
-    table.ADD({std::string(points.kind->name), points.tag, fmt::format("1 to {}", points.items),
-               points.IDS_IN_WORDS()});
+    const char* const from = points.IS_IN_ELEMENT_FILES() ? "files" : "block";
+    table.ADD({std::string(points.kind->name), fmt::format("{} {}", from, points.tag),
+               fmt::format("1 to {}", points.items), points.IDS_IN_WORDS()});
   }
-  return "\nResults to ask for\n" + (inspection.results.empty() ? std::string("  none\n") : table.TEXT());
+  std::string text =
+      "\nResults to ask for\n" + (inspection.results.empty() ? std::string("  none\n") : table.TEXT());
+  if (std::ranges::any_of(inspection.results, [](const auto& points) { return points.kind->name == "beam"; }))
+    text += BEAM_ITEMS_TEXT;
+  return text;
 }
 
 // ---------------------------------------------------------------------------------------------------- JSON
@@ -309,16 +335,33 @@ ordered_json cases_json(const T_INSPECTION& inspection) {
   return cases;
 }
 
+ordered_json element_files_json(const T_INSPECTION& inspection) {
+  ordered_json files = ordered_json::array();
+  for (const T_RESULT_POINTS& points : inspection.results) {
+    for (const T_ELEMENT_FILE& file : points.files) {
+      files.push_back({{"file", inspection.file.file_name + file.name_end},
+                       {"kind", points.kind->name},
+                       {"bytes", file.bytes},
+                       {"elements", file.elements},
+                       {"elements_per_file", points.elements_per_file},
+                       {"record_words", points.record_words}});
+    }
+  }
+  return files;
+}
+
 ordered_json results_json(const T_INSPECTION& inspection) {
   ordered_json results = ordered_json::array();
   for (const T_RESULT_POINTS& points : inspection.results) {
+    const bool is_in_block = !points.IS_IN_ELEMENT_FILES();
     ordered_json json{{"kind", points.kind->name}, {"result_kind", points.kind->result_kind},
-                      {"block", points.tag},       {"items", points.items},
+                      {"block", nullptr},          {"items", points.items},
                       {"last_id", nullptr},        {"ids", nullptr}};
+    if (is_in_block) json["block"] = points.tag;
     if (points.listed) {
       json["ids"] = points.ids;
     } else {
-      json["last_id"] = points.count;
+      json["last_id"] = points.runs.empty() ? 0 : points.runs.back().last;
     }
     results.push_back(std::move(json));
   }
@@ -331,7 +374,8 @@ std::string INSPECTION_TEXT(const T_INSPECTION& inspection) {
   return fmt::format("{}: {} bytes, analysis code {}\n", inspection.file.file_name,
                      inspection.directory.file_bytes, inspection.file.analysis_code) +
          directory_text(inspection.directory) + counts_text(inspection) + lanes_text(inspection) +
-         vehicles_text(inspection) + cases_text(inspection) + results_text(inspection);
+         vehicles_text(inspection) + cases_text(inspection) + element_files_text(inspection) +
+         results_text(inspection);
 }
 
 std::string INSPECTION_JSON(const T_INSPECTION& inspection) {
@@ -343,6 +387,7 @@ std::string INSPECTION_JSON(const T_INSPECTION& inspection) {
                           {"lanes", lanes_json(inspection)},
                           {"vehicles", vehicles_json(inspection)},
                           {"moving_load_cases", cases_json(inspection)},
+                          {"element_files", element_files_json(inspection)},
                           {"results", results_json(inspection)},
                           {"failures", inspection.failures}};
   // File names and tags may hold any bytes; what isn't UTF-8 is replaced.

@@ -31,8 +31,9 @@ constexpr std::array<T_KIND, 11> KINDS{{
 constexpr std::int32_t RESULT_BLOCK_ID = 5;
 
 /// Numbers that the first record of each run carries.
-STATUS read_node_numbers(kernel::BLOCK_READER& block, std::int64_t n_unit_load, T_RESULT_POINTS& points) {
-  for (std::int64_t run = 0; run < points.count; ++run) {
+STATUS read_node_numbers(kernel::BLOCK_READER& block, std::int64_t runs, std::int64_t n_unit_load,
+                         T_RESULT_POINTS& points) {
+  for (std::int64_t run = 0; run < runs; ++run) {
     const std::byte* record = nullptr;
     STATUS status = block.READ(run * n_unit_load + 1, sizeof(float), record);
     if (!status.OK()) return status;
@@ -55,6 +56,50 @@ STATUS read_local_axes(kernel::RECORD_FILE& unit, const std::string& file_name, 
   return {};
 }
 
+/// The element files of a family that are there, and the elements in them.
+void list_element_files(const std::string& file_name, const kernel::T_COUNTS& counts,
+                        T_RESULT_POINTS& points) {
+  constexpr std::int64_t WORD_BYTES = 4;
+  constexpr std::int64_t MOST_FILES = 9;
+  const std::int32_t per_file = counts.ELEM_PER_FILE[kernel::ELEMENT_FAMILIES.find(points.tag.front())];
+  points.elements_per_file = per_file;
+  const std::int64_t element_bytes = WORD_BYTES * points.record_words * counts.N_UNIT_LOAD;
+  if (per_file < 1 || points.items == 0) return;
+  for (std::int64_t number = 1; number <= MOST_FILES; ++number) {
+    T_ELEMENT_FILE file{.name_end = points.tag + std::to_string(number)};
+    kernel::RECORD_FILE unit;
+    if (!unit.CONNECT(file_name + file.name_end).OK()) continue;
+    file.bytes = unit.FILE_BYTES();
+    file.elements = std::min<std::int64_t>(file.bytes / element_bytes, per_file);
+    file.has_rest = file.bytes > file.elements * element_bytes;
+    const std::int64_t before = (number - 1) * per_file;
+    if (file.elements > 0) {
+      if (points.runs.empty() || points.runs.back().last != before)
+        points.runs.push_back({before + 1, before});
+      points.runs.back().last += file.elements;
+    }
+    points.files.push_back(std::move(file));
+  }
+  points.held = !points.files.empty();
+}
+
+constexpr std::int32_t BEAM_ITEMS = 50;
+
+/// A beam's item in the order in which modelkit writes them, which the library doesn't know of.
+std::string beam_item(std::int32_t item) {
+  constexpr std::int32_t FORCE_ITEMS = 30;
+  constexpr std::array<std::string_view, 6> FORCES{"axial force", "shear sideways", "shear",
+                                                   "torsion",     "moment",         "moment sideways"};
+  constexpr std::array<std::string_view, 4> CORNERS{"top left", "top right", "bottom left", "bottom right"};
+  constexpr std::array<std::string_view, 5> STATIONS{"just behind the start", "at 1/4", "at 1/2", "at 3/4",
+                                                     "just before the end"};
+  const bool is_force = item <= FORCE_ITEMS;
+  const auto place = static_cast<std::size_t>(is_force ? item - 1 : item - FORCE_ITEMS - 1);
+  const std::size_t station = place / (is_force ? FORCES.size() : CORNERS.size());
+  return is_force ? fmt::format("{} {}", FORCES[place % FORCES.size()], STATIONS[station])
+                  : fmt::format("stress {} {}", CORNERS[place % CORNERS.size()], STATIONS[station]);
+}
+
 }  // namespace
 
 std::span<const T_KIND> ALL_KINDS() {
@@ -68,22 +113,31 @@ const T_KIND* FIND_KIND(std::string_view name_or_number) {
   return kind == KINDS.end() ? nullptr : &*kind;
 }
 
-bool IS_SEARCHED(const T_KIND& kind) {
-  return results::FIND_FAMILY(kind.result_kind) != nullptr;
+std::string RESULT_MEANING(const T_KIND& kind, std::int32_t item) {
+  std::string meaning(kind.meaning);
+  if (kind.result_kind == kernel::RK_BEAM && item >= 1 && item <= BEAM_ITEMS)
+    meaning += ": " + beam_item(item);
+  return meaning;
 }
 
 bool T_RESULT_POINTS::HOLDS(std::int32_t id) const {
-  return listed ? std::find(ids.begin(), ids.end(), id) != ids.end() : id >= 1 && id <= count;
+  if (listed) return std::find(ids.begin(), ids.end(), id) != ids.end();
+  return std::any_of(runs.begin(), runs.end(),
+                     [id](const T_IDS& run) { return id >= run.first && id <= run.last; });
 }
 
 std::string T_RESULT_POINTS::IDS_IN_WORDS() const {
   constexpr std::ptrdiff_t FIRST_FEW = 8;
-  if (!listed) return count == 0 ? "none" : fmt::format("1 to {}", count);
-  if (ids.empty()) return "none";
-  const std::ptrdiff_t shown = std::min(FIRST_FEW, std::ssize(ids));
-  const bool more = std::ssize(ids) > shown;
-  return fmt::format("{}{}", fmt::join(ids.begin(), ids.begin() + shown, ", "),
-                     more ? fmt::format(", ... ({} in all)", ids.size()) : "");
+  if (listed ? ids.empty() : runs.empty()) return "none";
+  if (listed) {
+    const std::ptrdiff_t shown = std::min(FIRST_FEW, std::ssize(ids));
+    const bool more = std::ssize(ids) > shown;
+    return fmt::format("{}{}", fmt::join(ids.begin(), ids.begin() + shown, ", "),
+                       more ? fmt::format(", ... ({} in all)", ids.size()) : "");
+  }
+  std::vector<std::string> words;
+  for (const T_IDS& run : runs) words.push_back(fmt::format("{} to {}", run.first, run.last));
+  return fmt::format("{}", fmt::join(words, ", "));
 }
 
 STATUS READ_RESULT_POINTS(kernel::RECORD_FILE& unit, const std::string& file_name,
@@ -92,7 +146,12 @@ STATUS READ_RESULT_POINTS(kernel::RECORD_FILE& unit, const std::string& file_nam
   points = {};
   points.kind = &kind;
   points.tag = family.TAG;
-  points.items = family.COMPONENTS > 0 ? family.COMPONENTS : counts.N_DOF;
+  points.items = results::ITEMS_OF(kind.result_kind, counts);
+  if (family.FINDING == results::FIND_RUN::IN_ELEMENT_FILE) {
+    points.record_words = results::RECORD_WORDS_OF(family, counts);
+    list_element_files(file_name, counts, points);
+    return {};
+  }
   points.listed = family.FINDING != results::FIND_RUN::BY_ID;
   kernel::BLOCK_READER block;
   if (STATUS status = block.OPEN(unit, file_name, family.TAG, RESULT_BLOCK_ID); !status.OK()) return status;
@@ -100,11 +159,14 @@ STATUS READ_RESULT_POINTS(kernel::RECORD_FILE& unit, const std::string& file_nam
   if (!points.held) return {};
 
   // A run of as many records as there are unit loads belongs to each result point.
-  points.count = std::max<std::int64_t>(block.NUM_REC() / counts.N_UNIT_LOAD, 0);
+  const std::int64_t runs = std::max<std::int64_t>(block.NUM_REC() / counts.N_UNIT_LOAD, 0);
   if (family.FINDING == results::FIND_RUN::BY_LOCAL_AXES) return read_local_axes(unit, file_name, points);
-  if (family.FINDING != results::FIND_RUN::BY_NODE_NUMBER) return {};
-  points.count = std::min<std::int64_t>(points.count, counts.*family.NODES);
-  return read_node_numbers(block, counts.N_UNIT_LOAD, points);
+  if (family.FINDING == results::FIND_RUN::BY_NODE_NUMBER) {
+    const std::int64_t nodes = std::min<std::int64_t>(runs, counts.*family.NODES);
+    return read_node_numbers(block, nodes, counts.N_UNIT_LOAD, points);
+  }
+  if (runs > 0) points.runs = {{1, runs}};
+  return {};
 }
 
 }  // namespace tools

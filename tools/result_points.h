@@ -20,31 +20,48 @@ struct T_KIND {
   std::string_view meaning;  // of one result point
 };
 
-/// All kinds that a host can name, those that aren't searched included.
+/// All kinds that a host can name.
 [[nodiscard]] std::span<const T_KIND> ALL_KINDS();
 
 /// A kind by its name or its number; null for neither.
 [[nodiscard]] const T_KIND* FIND_KIND(std::string_view name_or_number);
 
-/// Whether this version of the library searches the kind.
-[[nodiscard]] bool IS_SEARCHED(const T_KIND& kind);
+/// What a component stands for, as far as it can be told: "result of a beam element: shear at 1/2".
+[[nodiscard]] std::string RESULT_MEANING(const T_KIND& kind, std::int32_t item);
 
-/// The result points of a kind. Ids run from 1 to COUNT, or are listed where the block carries numbers.
+/// One element file as it lies on the disk.
+struct T_ELEMENT_FILE {
+  std::string name_end;  // family letter and file number, which stand behind the name of the directory file
+  std::int64_t bytes = 0;
+  std::int64_t elements = 0;  // that are there with all of their records
+  bool has_rest = false;      // bytes behind them
+};
+
+struct T_IDS {
+  std::int64_t first = 0;
+  std::int64_t last = 0;
+};
+
+/// The result points of a kind. Ids run without gaps, or are listed where the files carry numbers.
 struct T_RESULT_POINTS {
   const T_KIND* kind = nullptr;
-  std::string tag;    // of the block
-  bool held = false;  // the block is there
+  std::string tag;    // of the block, or the letter of the element files
+  bool held = false;  // the block is there, or an element file
   std::int32_t items = 0;
-  std::int64_t count = 0;
+  std::vector<T_IDS> runs;
   bool listed = false;
   std::vector<std::int32_t> ids;
+  // Of elements alone.
+  std::int32_t record_words = 0;
+  std::int32_t elements_per_file = 0;
+  std::vector<T_ELEMENT_FILE> files;
 
+  [[nodiscard]] bool IS_IN_ELEMENT_FILES() const { return record_words > 0; }
   [[nodiscard]] bool HOLDS(std::int32_t id) const;
-  /// "1 to 355", or "20 ids: 1, 2, 3, ..." with the first few.
+  /// "1 to 355", or "17, 4, 23, ... (20 in all)" with the first few.
   [[nodiscard]] std::string IDS_IN_WORDS() const;
 };
 
-/// The kind must be a searched one.
 STATUS READ_RESULT_POINTS(kernel::RECORD_FILE& unit, const std::string& file_name,
                           const kernel::T_COUNTS& counts, const T_KIND& kind, T_RESULT_POINTS& points);
 

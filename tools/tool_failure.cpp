@@ -19,10 +19,8 @@ std::string ADVICE_FOR(std::string_view failure_line) {
     std::string_view advice;
   };
   // A host has nothing but the line, so it is the line that decides. The first phrase that fits counts.
-  static constexpr std::array<T_ADVICE, 11> ADVICES{{
+  static constexpr std::array<T_ADVICE, 9> ADVICES{{
       {"RESULT_ITEM is", "give an --item within these bounds"},
-      {"RESULT_ID is", "run `movload inspect` to see which ids the files hold"},
-      {"FILE_NO of the element is", "run `movload inspect` to see which ids the files hold"},
       {"the file can't be opened", "check that the file exists and that you may read it"},
       {"no block directory of this version",
        "check that this is a model's block directory file, with a directory of version 2.0"},
