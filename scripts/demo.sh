@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the library and its command line tool, writes the example bridge and asks for two
-# envelopes: the deflection of the edge beam at the middle of the main span under HA, in m, and its reaction on the
-# first pier with an HB on the bridge, in kN. At last it draws three governing loadings.
+# Installs what is missing, builds the library and its command line tool, writes the example bridge and asks for forces
+# of the inner beam: its moment at midspan of the main span and over the first pier, and its shear behind that pier,
+# each under HA alone and with an HB on the bridge; then for a reaction. It prints the envelopes and draws their
+# loadings.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
@@ -16,19 +17,22 @@ movload=$build/tools/movload
 example=$build/example
 "$movload" example "$example" --force >"$example.txt"
 printf '\n%s\n' "$(head -n 1 "$example.txt")"
-for question in "--kind disp --id 176 --item 3 --case 1" "--kind reac --id 101 --item 3 --case 7"; do
-  read -ra options <<<"$question"
-  printf '\n$ movload envelope %s/bridge %s\n' "$example" "$question"
-  "$movload" envelope "$example/bridge" "${options[@]}"
-done
 
-# draw FILE TITLE OPTION...: a picture beside the example.
-draw() {
-  "$movload" plot "$example/bridge" "${@:3}" --unit kNm --title "$2" -o "$build/$1"
+# ask PICTURE TITLE UNIT OPTION...: an envelope, and its picture beside the example.
+ask() {
+  local picture=$build/$1 title=$2 unit=$3
+  shift 3
+  printf '\n%s, in %s:\n$ movload envelope %s/bridge %s\n' "$title" "$unit" "$example" "$*"
+  "$movload" envelope "$example/bridge" "$@"
+  "$movload" plot "$example/bridge" "$@" --unit "$unit" --title "$title" -o "$picture"
 }
-printf '\nThe loadings that govern three moments:\n'
-draw midspan-moment.png "Moment at midspan of the main span, inner beam, HB in a lane" \
-  --kind simb --id 3 --item 3 --case 4
-draw pier-moment.png "Moment over pier 1, edge beam, HA" --kind simb --id 1 --item 2 --case 1
-draw straddling-hb.png "Moment at midspan of the main span, inner beam, HB across lanes 1 and 2" \
-  --kind simb --id 3 --item 3 --case 6
+for loading in "1 ha HA" "7 hb HB and HA"; do
+  read -r mv_case name words <<<"$loading"
+  ask "midspan-moment-$name.png" "Moment at midspan of the main span, inner beam, $words" kNm \
+    --kind beam --id 8 --item 17 --case "$mv_case"
+  ask "pier-moment-$name.png" "Moment over pier 1, inner beam, $words" kNm \
+    --kind beam --id 8 --item 5 --case "$mv_case"
+  ask "pier-shear-$name.png" "Shear behind pier 1, inner beam, $words" kN \
+    --kind beam --id 8 --item 3 --case "$mv_case"
+done
+ask pier-reaction-hb.png "Reaction on pier 1, edge beam, HB and HA" kN --kind reac --id 101 --item 3 --case 7

@@ -136,6 +136,11 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
     notes.emplace_back(
         "Grey: clear stretch of the HB, without UDL. The vehicle's length counts as loaded length for the "
         "intensity.");
+  const auto jumps = [](const T_DRAWN_LANE& lane) { return JUMP_OF(lane.line).has_value(); };
+  if (std::ranges::any_of(columns,
+                          [&](const auto& column) { return std::ranges::any_of(column.drawn.lanes, jumps); }))
+    notes.emplace_back(
+        "A knife edge or an axle where the line jumps counts with the worse of the two values.");
   for (const T_SHEET_COLUMN& column : columns) {
     if (column.drawn.ADDS_UP()) continue;
     notes.push_back(

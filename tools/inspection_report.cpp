@@ -212,8 +212,8 @@ std::string element_files_text(const T_INSPECTION& inspection) {
 /// The order in which modelkit writes them.
 constexpr std::string_view BEAM_ITEMS_TEXT =
     "  Items of a beam, as movload names them: at its start 1 axial force, 2 shear sideways, 3 shear,\n"
-    "  4 torsion, 5 moment, 6 moment sideways; so too at 1/4 from 7, at 1/2 from 13, at 3/4 from 19, at its\n"
-    "  end from 25. From 31 four stresses at each: top left, top right, bottom left, bottom right.\n";
+    "  4 torsion, 5 moment, 6 moment sideways; so too at 1/4 from 7, at 1/2 from 13, at 3/4 from 19, at\n"
+    "  its end from 25. From 31 four stresses at each: top left and right, bottom left and right.\n";
 
 std::string results_text(const T_INSPECTION& inspection) {
   if (!inspection.counts) return "";

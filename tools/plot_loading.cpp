@@ -468,6 +468,13 @@ T_INFLUENCE_LINE PART_OF(const T_INFLUENCE_LINE& line, const T_STRETCH& stretch)
   return part;
 }
 
+std::optional<T_LINE_POINT> JUMP_OF(const T_INFLUENCE_LINE& line) {
+  const auto height = [](const T_LINE_POINT& point) { return std::fabs(point.after - point.before); };
+  const auto highest = std::ranges::max_element(line, {}, height);
+  if (highest == line.end() || height(*highest) == 0) return std::nullopt;
+  return *highest;
+}
+
 double SUM_OF_ORDINATES(const T_DRAWN_HB& hb) {
   return std::accumulate(hb.axles.begin(), hb.axles.end(), 0.0,
                          [](double sum, const T_DRAWN_AXLE& axle) { return sum + axle.ordinate; });

@@ -33,6 +33,9 @@ struct T_STRETCH {
 /// The part of a line over a stretch, its ends interpolated.
 [[nodiscard]] T_INFLUENCE_LINE PART_OF(const T_INFLUENCE_LINE& line, const T_STRETCH& stretch);
 
+/// The point at which a line jumps the most; none where it doesn't.
+[[nodiscard]] std::optional<T_LINE_POINT> JUMP_OF(const T_INFLUENCE_LINE& line);
+
 struct T_DRAWN_UDL {
   double intensity = 0.0;            // kN/m
   std::vector<T_STRETCH> stretches;  // along the lane, none twice

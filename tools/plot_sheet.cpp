@@ -153,6 +153,10 @@ std::string lane_details(const T_DRAWN_LANE& lane) {
   if (lane.kel)
     loads.push_back(
         fmt::format("KEL {}\u00A0kN at {}\u00A0m", VALUE_TEXT(lane.kel->load), metres(lane.kel->x)));
+  if (const std::optional<T_LINE_POINT> jump = JUMP_OF(lane.line)) {
+    loads.push_back(fmt::format("the line jumps at {}\u00A0m from {:.4g} to {:.4g}", metres(jump->x),
+                                jump->before, jump->after));
+  }
   return fmt::format("{}", fmt::join(loads, "; "));
 }
 

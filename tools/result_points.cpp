@@ -136,7 +136,10 @@ std::string T_RESULT_POINTS::IDS_IN_WORDS() const {
                        more ? fmt::format(", ... ({} in all)", ids.size()) : "");
   }
   std::vector<std::string> words;
-  for (const T_IDS& run : runs) words.push_back(fmt::format("{} to {}", run.first, run.last));
+  for (const T_IDS& run : runs) {
+    words.push_back(run.first == run.last ? fmt::to_string(run.first)
+                                          : fmt::format("{} to {}", run.first, run.last));
+  }
   return fmt::format("{}", fmt::join(words, ", "));
 }
 

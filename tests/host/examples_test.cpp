@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 #include <vector>
 
+#include "modelkit/beam_results.h"
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
@@ -209,6 +211,42 @@ TEST(examples, the_bridge_has_the_envelopes_it_had_under_hb_and_any_way_of_it_gi
     EXPECT_EQ(run(BRIDGE_CASE_HB_ANY).FINAL_MAX, worst_max);
     EXPECT_EQ(run(BRIDGE_CASE_HB_ANY).FINAL_MIN, worst_min);
   }
+}
+
+// Element 8 is the inner beam's main span; SIMB 3 has forces of that beam, REAC its bearings.
+TEST(examples, elements_of_the_bridge_agree_with_its_other_results_and_have_the_envelopes_they_had) {
+  using namespace modelkit;
+  const T_EXAMPLE bridge = EXAMPLE_BRIDGE();
+  const TEMPORARY_DIRECTORY directory;
+  WRITE_MODEL(bridge.model, directory.NAME());
+  const auto run = [&](int kind, int id, int item, int mv_case) {
+    const auto got =
+        host::RUN(static_cast<int>(bridge.model.lanes.size()), directory.NAME(), 0, kind, id, item, mv_case);
+    return std::pair{got.FINAL_MAX, got.FINAL_MIN};
+  };
+  for (int mv_case = 1; mv_case <= BRIDGE_CASE_HB_ANY; ++mv_case) {
+    const auto expect_same = [&](const std::pair<double, double>& expected,
+                                 const std::pair<double, double>& got) {
+      EXPECT_NEAR(got.first, expected.first, 1e-5 * expected.first) << mv_case;
+      EXPECT_NEAR(got.second, expected.second, -1e-5 * expected.second) << mv_case;
+    };
+    const auto beam = [&](BEAM_STATION station, BEAM_FORCE force) {
+      return run(MOVLOAD_RK_BEAM, BRIDGE_BEAM(2, 3), BEAM_FORCE_ITEM(station, force), mv_case);
+    };
+    const auto simb = [&](BRIDGE_ITEM item) { return run(MOVLOAD_RK_SIMB, 3, item, mv_case); };
+    expect_same(simb(BRIDGE_MOMENT_MAIN_SPAN), beam(BEAM_MIDDLE, BEAM_MOMENT));
+    expect_same(simb(BRIDGE_MOMENT_SECOND_PIER), beam(BEAM_END, BEAM_MOMENT));
+    expect_same(simb(BRIDGE_SHEAR_BEHIND_PIER_1), beam(BEAM_START, BEAM_SHEAR));
+    const auto [reaction, uplift] = run(MOVLOAD_RK_REAC, BRIDGE_NODE(20, 1), 3, mv_case);
+    expect_same({-uplift, -reaction}, run(MOVLOAD_RK_TRUSS, 6, 1, mv_case));
+  }
+  const auto expect_near_to = [&](double max, double min, const std::pair<double, double>& got) {
+    EXPECT_NEAR(got.first, max, 1e-5 * max);
+    EXPECT_NEAR(got.second, min, -1e-5 * min);
+  };
+  const int shear = BEAM_FORCE_ITEM(BEAM_MIDDLE, BEAM_SHEAR);
+  expect_near_to(136.7845, -142.7459, run(MOVLOAD_RK_BEAM, BRIDGE_BEAM(2, 3), shear, BRIDGE_CASE_HA));
+  expect_near_to(376.8133, -412.1292, run(MOVLOAD_RK_BEAM, BRIDGE_BEAM(2, 3), shear, BRIDGE_CASE_HB_ANY));
 }
 
 }  // namespace

@@ -88,6 +88,24 @@ TEST_F(DirectoryList, ADirectoryThatRunsInACircleEnds) {
   EXPECT_EQ(READ_DIRECTORY(unit, layout.path, directory).reason, REASON::DIRECTORY_CUT);
 }
 
+TEST_F(Inspection, ElementsAreThoseThatTheElementFilesHold) {
+  modelkit::T_MODEL model = modelkit::SIMPLE_SPAN_MODEL();
+  model.elements_per_file = 2;
+  model.walls = {{.id = 9}};
+  const std::string files = modelkit::WRITE_MODEL(model, path("span")).path;
+  fs::remove(files + "W2");
+  fs::resize_file(files + "W4", 2 * 51 * 133 * 4 - 1);
+  const T_INSPECTION inspection = INSPECT(FIND_MODEL_FILE(path("span"), std::nullopt), 6);
+  EXPECT_EQ(inspection.failures,
+            std::vector<std::string>{files + "W4: the file ends within the records of an element"});
+  const T_RESULT_POINTS& walls = inspection.results.back();
+  EXPECT_EQ(walls.IDS_IN_WORDS(), "1 to 2, 5 to 7, 9");
+  for (const int id : {0, 3, 4, 8, 10}) EXPECT_FALSE(walls.HOLDS(id)) << id;
+  for (const int id : {1, 2, 5, 6, 7, 9}) EXPECT_TRUE(walls.HOLDS(id)) << id;
+  EXPECT_EQ(walls.items, 105);
+  EXPECT_EQ(walls.record_words, 133);
+}
+
 TEST_F(Inspection, ResultPointsAreThoseOfTheModel) {
   modelkit::T_MODEL model = modelkit::SIMPLE_SPAN_MODEL();
   const std::vector<std::vector<float>> values(6, std::vector<float>(51, 0.0F));
@@ -104,7 +122,7 @@ TEST_F(Inspection, ResultPointsAreThoseOfTheModel) {
       EXPECT_EQ(points.ids, std::vector<std::int32_t>{23});
     }
   }
-  EXPECT_EQ(inspection.results.size(), 3U);
+  EXPECT_EQ(inspection.results.size(), 4U);  // the span is a beam element too
 }
 
 }  // namespace

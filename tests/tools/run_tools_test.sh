@@ -82,7 +82,8 @@ json "answer['counts']['lanes'] == 4 and len(answer['lanes']) == 4 and answer['f
 json "answer['lanes'][3]['straddles'] == [1, 2] and answer['lanes'][3]['planes'] == 3"
 json "[len(c['combinations']) for c in answer['moving_load_cases']] == [3, 3, 9, 6, 1, 1, 8]"
 json "answer['vehicles'][0]['ha']['p'] == 0.475 and answer['vehicles'][0]['hb']['axle_load'] == 450"
-json "{r['kind'] for r in answer['results']} == {'disp', 'reac', 'simb'}"
+json "{r['kind'] for r in answer['results']} == {'disp', 'reac', 'simb', 'truss', 'beam', 'plate'}"
+json "[f['elements'] for f in answer['element_files'] if f['kind'] == 'beam'] == [10, 5]"
 
 expect 0 envelope $bridge --kind simb --id 3 --item 3 --case 1
 says out "MAXIMUM"
@@ -97,6 +98,16 @@ json "sorted(round(l['factor'], 6) for l in answer['maximum']['lanes']) == [0, 0
 json "all([l['carries'] for l in answer[s]['lanes']] == ['HA', 'HA', 'HA', 'nothing'] for s in ('maximum', 'minimum'))"
 json "all(79.9 < r['start'] < r['end'] < 150.1 for s in ('maximum', 'minimum') for l in answer[s]['lanes'][:3] for r in l['udl']['ranges'])"
 json "all(abs(l['kel']['distance'] - 115) < 1 for l in answer['maximum']['lanes'][:3])"
+
+# Beams: shear at midspan, whose line jumps, in figures and in a picture.
+expect 0 envelope $bridge --kind beam --id 8 --item 15 --case 4
+says out "beam 8, item 15 (result of a beam element: shear at 1/2)"
+expect 0 plot $bridge --kind beam --id 8 --item 15 --case 4 -o shear.svg
+says shear.svg "the line jumps at 115.000"
+expect 1 envelope $bridge --kind beam --id 16 --item 15 --case 4
+says err "give an --id that the files hold: 1 to 15"
+expect 0 envelope $bridge --kind beam --id 8 --item 51 --case 4
+says err "a beam has items 1 to 50"
 
 # HB in a lane, and across two: four axles of 450 kN, 25 m clear at either end, and no KEL beside them.
 for mv_case in 4 5 6; do
@@ -156,6 +167,11 @@ says err "gnuplot-nox"
 expect 1 example "a folder" --which span --span 30
 says err "--force"
 expect 0 example "a folder" --which span --span 30 --force
+touch "a folder/span.ZA3B2"
+echo "older" >"a folder/span.ZA3W1"
+expect 1 example "a folder" --which span --span 30
+expect 0 example "a folder" --which span --span 30 --force
+if compgen -G "a folder/span.*[W2]*" >/dev/null; then fault "element files of another model are left"; fi
 
 # Wrong usage.
 expect 2
