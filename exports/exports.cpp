@@ -19,7 +19,7 @@ namespace {
 constinit kernel::HOST_SETTINGS host_settings;
 constinit std::array<char, 2048> last_failure{};
 
-/// Runs `body` with a request for the path and mode, and reports. True where the call has succeeded.
+/// Runs `body` with a request for the path and mode, and reports how it went.
 template <class BODY>
 void report(std::int32_t* mode_code, BODY body) noexcept {
   kernel::T_REQUEST request;

@@ -18,6 +18,10 @@
  * Strings: a pointer and a length, no terminator needed. Values: in the solver's units, with no scale, sign
  * or unit changed by the library.
  *
+ * Files: the model's are only read. Where a model has vehicle classes with lane definitions of their own and
+ * axles on several lanes, runs for trusses list the ordinates of its straddle lanes in "fort.78" of the
+ * working folder, which stays open until the process ends.
+ *
  * Failures: a call that fails sets MODE_CODE to -1, leaves every other argument as it was, and
  * movload_last_failure tells why. No input file, however damaged, ends the process.
  */
@@ -40,16 +44,16 @@ extern "C" {
 #endif
 
 /* RESULT_KIND: what RESULT_ID and RESULT_ITEM mean. A kind that isn't listed has nothing to search: its
- * records come back empty and FINAL_MAX and FINAL_MIN stay as they were. So it is, in this version, with
- * truss, beam, plate and wall results. */
+ * records come back empty and FINAL_MAX and FINAL_MIN stay as they were. */
 enum movload_result_kind {
   MOVLOAD_RK_DISP = 1,  /* displacement of a node; items 1 to 6, or 7 with warping */
   MOVLOAD_RK_REAC = 2,  /* reaction of a support node; items as above */
-  MOVLOAD_RK_TRUSS = 3, /* element results: truss */
-  MOVLOAD_RK_BEAM = 4,  /* beam; items 1 to 50, beyond the call returns at once with nothing changed */
-  MOVLOAD_RK_PLATE = 5, /* plate */
+  MOVLOAD_RK_TRUSS = 3, /* truss; items 1 and 2 */
+  MOVLOAD_RK_BEAM = 4,  /* beam; items 1 to 50, of which 1 to 30 may jump at a point; beyond 50 the call
+                           returns at once with nothing changed */
+  MOVLOAD_RK_PLATE = 5, /* plate; items 1 to 8, 40, 14 or 70, by the model's plate form 1 to 4 */
   MOVLOAD_RK_LRAC = 6,  /* reaction in local axes; items as RK_REAC */
-  MOVLOAD_RK_WALL = 10, /* wall; items 1 to 105 */
+  MOVLOAD_RK_WALL = 10, /* wall; items 1 to 105, of which 1 to 30 and 51 to 65 may jump at a point */
   MOVLOAD_RK_SIMB = 12, /* items 1 to 12 */
   MOVLOAD_RK_ELNK = 13, /* elastic link; items 1 to 12 */
   MOVLOAD_RK_NLNK = 14, /* nonlinear link; items 1 to 12 */
@@ -66,7 +70,8 @@ enum movload_record_field {
   MOVLOAD_TYPE_OF_HB = 3,      /* 1 to 5 by inner axle spacing; 0: no HB */
   MOVLOAD_POSITION_OF_HB = 4,  /* influence point 25 m behind the last axle, where the stretch without HA UDL
                                   begins; 0: no HB. Of ordinary lanes in the lane's own numbering, of straddle
-                                  lanes (and of all where three have an HB) without its repeated points */
+                                  lanes (and of all where three have an HB) without its repeated points, but for
+                                  items that may jump at a point, which keep them */
   MOVLOAD_FACTOR = 5,          /* scale of the lane in the governing combination, times 10000000, truncated */
   MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type. Of a
                                   straddling HB its lane, plane and portion in one number */
@@ -89,8 +94,9 @@ enum movload_sizes {
  *   PATH            in      base name of the model's files: path and stem, without extension
  *   PATH_LEN        in      characters of PATH; of more than 260 the first 260 are taken
  *   RESULT_KIND     in      movload_result_kind
- *   RESULT_ID       in      node, support or element. One that the files don't hold gives 0 for both values;
- *                           with RK_LDSP there is then nothing to search
+ *   RESULT_ID       in      node, support or element. One that the files don't hold gives 0 for both values,
+ *                           has nothing to search with RK_LDSP, and fails for trusses, beams, plates and
+ *                           walls
  *   RESULT_ITEM     in      component, from 1; one that the kind hasn't fails, unless the kind has nothing to
  *                           search
  *   MV_CASE         in      moving load case, from 1; one that the files don't hold gives 0 for both values
