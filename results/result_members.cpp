@@ -212,10 +212,11 @@ STATUS fetch(const T_FAMILY& family, const kernel::T_MODEL& model, const kernel:
              : fetch_from_block(family, model, request, wanted, unit, LOAD_ORD, nothing_to_search);
 }
 
-/// RESULT_TRUSS alone lists ordinate sets, those of the classes with definitions and axle lists.
+/// RESULT_TRUSS alone lists ordinate sets, on straddle lanes those of the classes with definitions and axle
+/// lists.
 bool lists_sets(const kernel::T_MODEL& model, const kernel::T_REQUEST& request) {
-  return request.RESULT_KIND == kernel::RK_TRUSS && request.UNIT_78 != nullptr && model.HAS_CLASS_LANES() &&
-         model.AXLE_LANES.EXISTS();
+  return request.RESULT_KIND == kernel::RK_TRUSS && request.UNIT_78 != nullptr &&
+         model.COUNTS.N_STRADDLE > 0 && model.HAS_CLASS_LANES() && model.AXLE_LANES.EXISTS();
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The list that RESULT_TRUSS leaves on unit 78: the ordinate sets of a straddle lane for a class with
 // definitions and axles on several lanes. One line names the number of planes and of sets; then follows, set
-// by set, a line for each influence point with its number, its position and the ordinate in every plane.
+// by set, a line for each influence point with its number, its position and the ordinate in every plane; of
+// more than 100 planes the others stand in lines of their own.
 #pragma once
 
 #include "kernel/diagnostic_unit.h"
