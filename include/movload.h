@@ -70,8 +70,8 @@ enum movload_record_field {
   MOVLOAD_TYPE_OF_HB = 3,      /* 1 to 5 by inner axle spacing; 0: no HB */
   MOVLOAD_POSITION_OF_HB = 4,  /* influence point 25 m behind the last axle, where the stretch without HA UDL
                                   begins; 0: no HB. Of ordinary lanes in the lane's own numbering, of straddle
-                                  lanes (and of all where three have an HB) without its repeated points, but for
-                                  items that may jump at a point, which keep them */
+                                  lanes (and of all where three have an HB) without its repeated points, which
+                                  items that may jump at a point always keep */
   MOVLOAD_FACTOR = 5,          /* scale of the lane in the governing combination, times 10000000, truncated */
   MOVLOAD_HA_UDL_PORTION = 6,  /* 1 full HA UDL, 0 one third; to be read beside the combination type. Of a
                                   straddling HB its lane, plane and portion in one number */
@@ -128,8 +128,8 @@ enum movload_sizes {
  *   DISTANCE_MIN_RANGE
  *                   out     [200, lanes] the same for the ranges of negative influence
  *
- * Every pointer must be given, also where a model has no lanes. Arrays of lanes beyond the model's are cleared,
- * but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which stay as they were. */
+ * Every pointer must be given, also where a model has no lanes. Arrays of lanes beyond the model's are
+ * cleared, but K_MXLOAD, K_MNLOAD, K_MAXINFL_S and K_MININFL_S, which stay as they were. */
 MOVLOAD_API void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t RESULT_KIND, int32_t RESULT_ID,
                                    int32_t RESULT_ITEM, int32_t MV_CASE, int32_t* NUM_LANE, double* FINAL_MAX,
                                    double* FINAL_MIN, int32_t* K_MXLOAD, int32_t* K_MNLOAD,
