@@ -104,7 +104,8 @@ struct T_PLACEMENT {
   /// Places the axles and the ends of the zone among the points.
   void FIND(const T_PASS& pass) {
     for (std::size_t j = 0; j < HB_AXLES; ++j) POSITIONS[j] = FIND_POSITION(AXLE[j], pass.X, pass.n);
-    if (pass.ASCENDS) {
+    const bool is_on_lane = NEAR_END >= pass.X(1) && NEAR_END <= FAR_END && FAR_END <= pass.X(pass.n);
+    if (pass.ASCENDS && is_on_lane) {
       SET_ZONE(pass, pass.FIRST_NOT_BELOW(NEAR_END), pass.FIRST_NOT_BELOW(FAR_END));
     } else {
       ZONE = LOCATE_ZONE(FAR_END, NEAR_END, pass.X, pass.n);

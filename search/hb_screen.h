@@ -253,7 +253,8 @@ class SCREEN {
           magnitude += std::fabs(ordinate);
         }
         const double hb = (sum + SUM_ROUNDING * magnitude) * load + SMALLEST * (1 + load);
-        highest[side] = magnitude <= LARGEST_SUM ? std::max(highest[side], hb) : UNBOUNDED;
+        highest[side] = std::max(highest[side], hb);
+        if (!(magnitude <= LARGEST_SUM)) highest[side] = UNBOUNDED;
       }
     }
     return highest;
