@@ -27,7 +27,11 @@ enum class REASON : std::uint8_t {
   AXLE_LIST_WITHOUT_PLANES,
   CLASS_LANE_TABLE_FULL,
   WRONG_FORMAT_NUMBER,  // value
-  STORE_NOT_SERVED,
+  STORE_NOT_OPEN,
+  NO_INFLUENCE_DATA,   // value: header word of the first volume
+  VOLUME_CUT,          // the volume ends before its stream of blocks does, or before a data record
+  NO_COMPOSITE_PARTS,  // the item codes of a composite bar block name no part
+  UNIT_LOADS_DIFFER,   // value: unit loads of the store, high: of the model
   NO_MEMORY,
   UNEXPECTED,
 };
@@ -37,8 +41,10 @@ struct [[nodiscard]] STATUS {
   std::array<char, 4> block{};         // tag of the block, zeros where none is concerned
   std::array<char, 2> element_file{};  // letter and number that an element file's name has behind that of the
                                        // directory file; zeros where the failure doesn't lie in one
-  const char* item = "";               // name of the field; static storage
-  std::int64_t record = 0;             // in the block or element file, from 1; 0 where none is concerned
+  bool in_volume = false;   // the failure lies in a volume of the influence store, which knows its name;
+                            // `record` is then a byte offset
+  const char* item = "";    // name of the field; static storage
+  std::int64_t record = 0;  // in the block or element file, from 1; 0 where none is concerned
   std::int64_t value = 0;
   std::int64_t low = 0;
   std::int64_t high = 0;
@@ -65,6 +71,14 @@ struct [[nodiscard]] STATUS {
     STATUS status = *this;
     status.element_file = file;
     status.record = record_number;
+    return status;
+  }
+
+  /// The same failure, told to lie in a volume of the influence store.
+  STATUS IN_VOLUME(std::int64_t offset) const noexcept {
+    STATUS status = *this;
+    status.in_volume = true;
+    status.record = offset;
     return status;
   }
 };

@@ -12,11 +12,15 @@
 #include "kernel/failures.h"
 #include "kernel/kernel_entry.h"
 #include "movload.h"
+#include "store/influence_reads.h"
+#include "store/m_influence.h"
 
 namespace {
 
-/// The library's process-wide state: what one call leaves for the next, and the text of the last failure.
+/// The library's process-wide state: what one call leaves for the next, the influence store, and the text of
+/// the last failure.
 constinit kernel::HOST_SETTINGS host_settings;
+constinit store::INFLUENCE_STORE influence_store;
 constinit std::array<char, 2048> last_failure{};
 
 /// Runs `body` with a request for the path and mode, and reports how it went.
@@ -33,8 +37,15 @@ void report(std::int32_t* mode_code, BODY body) noexcept {
   } catch (...) {
     status = STATUS::FAILED(REASON::UNEXPECTED);
   }
-  kernel::FAILURE_TEXT(status, request.FILE_NAME, last_failure.data(), last_failure.size());
+  const std::string_view file = status.in_volume ? influence_store.FAULTY_VOLUME() : request.FILE_NAME;
+  kernel::FAILURE_TEXT(status, file, last_failure.data(), last_failure.size());
   if (!status.OK() && mode_code != nullptr) *mode_code = -1;
+}
+
+/// The same for a call that has no mode.
+template <class BODY>
+void report(BODY body) noexcept {
+  report(nullptr, [&](kernel::T_REQUEST&) -> STATUS { return body(); });
 }
 
 bool any_null(std::initializer_list<const void*> pointers) {
@@ -51,8 +62,57 @@ STATUS begin_request(const char* path, std::int32_t path_len, std::int32_t room,
   const kernel::T_MODE mode = kernel::SPLIT_MODE_CODE(mode_code);
   request.ANALYSIS_CODE = mode.ANALYSIS_CODE;
   request.STORE_MODE = mode.STORE_MODE;
+  request.BASE_NAME = host_settings.BASE_NAME.TEXT();
+  request.STORE = &influence_store;
   return kernel::MAKE_REQUEST_FILE_NAME(host_settings.BASE_NAME.TEXT(), mode.ANALYSIS_CODE,
                                         request.FILE_NAME);
+}
+
+/// A path of the host's; empty where its length is 0 or less.
+std::string_view path_of(const std::int32_t* length, const char* characters) {
+  return *length < 1 ? std::string_view() : std::string_view(characters, static_cast<std::size_t>(*length));
+}
+
+void name_included_set(const std::int32_t* length, const char* path) noexcept {
+  report([&]() -> STATUS {
+    if (any_null({length, path})) return STATUS::FAILED(REASON::NO_ARGUMENT);
+    influence_store.SET_INCLUDE(path_of(length, path));
+    return {};
+  });
+}
+
+constexpr std::int32_t NO_PART = 0;
+
+void read_one(store::READ kind, const std::int32_t* id, const std::int32_t* load, const std::int32_t* part,
+              const std::int32_t* ncomp, float* row) noexcept {
+  report([&]() -> STATUS {
+    if (any_null({id, load, part, ncomp, row})) return STATUS::FAILED(REASON::NO_ARGUMENT);
+    return store::READ_ONE(influence_store, {kind, *id, *ncomp, *part}, *load, row);
+  });
+}
+
+void read_all(store::READ kind, const std::int32_t* id, const std::int32_t* part, const std::int32_t* ncomp,
+              float* rows) noexcept {
+  report([&]() -> STATUS {
+    if (any_null({id, part, ncomp, rows})) return STATUS::FAILED(REASON::NO_ARGUMENT);
+    return store::READ_ALL(influence_store, {kind, *id, *ncomp, *part}, rows);
+  });
+}
+
+void count_ids(store::LIST list, std::int32_t* number) noexcept {
+  report([&]() -> STATUS {
+    if (number == nullptr) return STATUS::FAILED(REASON::NO_ARGUMENT);
+    *number = static_cast<std::int32_t>(influence_store.ROWS(list).size());
+    return influence_store.IS_OPEN() ? STATUS{} : STATUS::FAILED(REASON::STORE_NOT_OPEN);
+  });
+}
+
+void copy_ids(store::LIST list, std::int32_t* ids) noexcept {
+  report([&]() -> STATUS {
+    if (ids == nullptr) return STATUS::FAILED(REASON::NO_ARGUMENT);
+    for (const store::T_NODE& node : influence_store.ROWS(list)) *ids++ = node.ID;
+    return influence_store.IS_OPEN() ? STATUS{} : STATUS::FAILED(REASON::STORE_NOT_OPEN);
+  });
 }
 
 TABLE<std::int32_t, FIELD, LANE> record_table(std::int32_t* values, std::int64_t lanes) {
@@ -116,7 +176,7 @@ void _MOV_KRNL_BS_5400_NUM_LANE(const char* PATH, int32_t PATH_LEN, int32_t* MOD
                                 int32_t* NUM_LANE) noexcept {
   report(MODE_CODE, [&](kernel::T_REQUEST& request) -> STATUS {
     if (any_null({PATH, MODE_CODE, NUM_LANE})) return STATUS::FAILED(REASON::NO_ARGUMENT);
-    constexpr std::int32_t PATH_ROOM = kernel::T_PATH::ROOM;
+    constexpr std::int32_t PATH_ROOM = T_PATH::ROOM;
     if (PATH_LEN > PATH_ROOM) return STATUS::FAILED(REASON::BAD_PATH_LENGTH, PATH_LEN);
     STATUS status = begin_request(PATH, PATH_LEN, PATH_ROOM, *MODE_CODE, request);
     return status.OK() ? kernel::QUERY_NUM_LANE(request, *NUM_LANE) : status;
@@ -124,12 +184,120 @@ void _MOV_KRNL_BS_5400_NUM_LANE(const char* PATH, int32_t PATH_LEN, int32_t* MOD
 }
 
 void SET_INCLUDE_BLK_BS5400(const int32_t* PATH_LEN, const char* PATH) noexcept {
-  report(nullptr, [&](kernel::T_REQUEST&) -> STATUS {
+  name_included_set(PATH_LEN, PATH);
+}
+
+void SET_INCLUDE_BLK(const int32_t* PATH_LEN, const char* PATH) noexcept {
+  name_included_set(PATH_LEN, PATH);
+}
+
+void INIT_MOVING_INFLUENCE(const int32_t* INCLUDE_LEN, const char* INCLUDE_PATH, const int32_t* BASE_LEN,
+                           const char* BASE_PATH) noexcept {
+  report([&]() -> STATUS {
+    // A length of 0 may come with any pointer.
+    if (any_null({INCLUDE_LEN, BASE_LEN}) || (*INCLUDE_LEN > 0 && INCLUDE_PATH == nullptr) ||
+        (*BASE_LEN > 0 && BASE_PATH == nullptr)) {
+      return STATUS::FAILED(REASON::NO_ARGUMENT);
+    }
+    influence_store.SET_INCLUDE(path_of(INCLUDE_LEN, INCLUDE_PATH));
+    return influence_store.OPEN(path_of(BASE_LEN, BASE_PATH));
+  });
+}
+
+void CLOSE_MOVING_INFLUENCE(void) noexcept {
+  report([]() -> STATUS {
+    influence_store.CLOSE();
+    influence_store.FORGET_INCLUDE();
+    return {};
+  });
+}
+
+void REMOVE_MOVING_INFLUENCE(void) noexcept {}
+
+void REMOVE_MOVING_INFLUENCE_FILE_PATH(const int32_t* PATH_LEN, const char* PATH) noexcept {
+  report([&]() -> STATUS {
     if (any_null({PATH_LEN, PATH})) return STATUS::FAILED(REASON::NO_ARGUMENT);
-    if (*PATH_LEN < 1 || static_cast<std::size_t>(*PATH_LEN) > kernel::T_PATH::ROOM) return {};
-    const std::string_view path(PATH, static_cast<std::size_t>(*PATH_LEN));
-    if (path.find_first_not_of(' ') == std::string_view::npos) return {};
-    host_settings.INCLUDE_PATH.SET(path);
+    store::REMOVE_VOLUMES(path_of(PATH_LEN, PATH));
+    return {};
+  });
+}
+
+void READ_DISP_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP, float* ROW) noexcept {
+  read_one(store::READ::DISP, ID, LOAD, &NO_PART, NCOMP, ROW);
+}
+
+void READ_DISP_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP, float* ROWS) noexcept {
+  read_all(store::READ::DISP, ID, &NO_PART, NCOMP, ROWS);
+}
+
+void READ_REAC_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP, float* ROW) noexcept {
+  read_one(store::READ::REAC, ID, LOAD, &NO_PART, NCOMP, ROW);
+}
+
+void READ_REAC_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP, float* ROWS) noexcept {
+  read_all(store::READ::REAC, ID, &NO_PART, NCOMP, ROWS);
+}
+
+void READ_LREAC_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP, float* ROW) noexcept {
+  read_one(store::READ::LREAC, ID, LOAD, &NO_PART, NCOMP, ROW);
+}
+
+void READ_LREAC_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP, float* ROWS) noexcept {
+  read_all(store::READ::LREAC, ID, &NO_PART, NCOMP, ROWS);
+}
+
+void READ_ELEMENT_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP,
+                            float* ROW) noexcept {
+  read_one(store::READ::ELEMENT, ID, LOAD, &NO_PART, NCOMP, ROW);
+}
+
+void READ_ELEMENT_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP, float* ROWS) noexcept {
+  read_all(store::READ::ELEMENT, ID, &NO_PART, NCOMP, ROWS);
+}
+
+void READ_VIRTUAL_BAR_STRESS_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP,
+                                       float* ROW) noexcept {
+  read_one(store::READ::VIRTUAL_BAR, ID, LOAD, &NO_PART, NCOMP, ROW);
+}
+
+void READ_VIRTUAL_BAR_STRESS_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP,
+                                                float* ROWS) noexcept {
+  read_all(store::READ::VIRTUAL_BAR, ID, &NO_PART, NCOMP, ROWS);
+}
+
+void READ_COMPOSITE_BAR_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* PART,
+                                  const int32_t* NCOMP, float* ROW) noexcept {
+  read_one(store::READ::COMPOSITE_BAR, ID, LOAD, PART, NCOMP, ROW);
+}
+
+void READ_COMPOSITE_BAR_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* PART, const int32_t* NCOMP,
+                                           float* ROWS) noexcept {
+  read_all(store::READ::COMPOSITE_BAR, ID, PART, NCOMP, ROWS);
+}
+
+void GET_NUM_REACTION(int32_t* NUMBER) noexcept {
+  count_ids(store::LIST::REAC, NUMBER);
+}
+
+void GET_NUM_REACTION_IDS(int32_t* IDS) noexcept {
+  copy_ids(store::LIST::REAC, IDS);
+}
+
+void GET_NUM_LOCAL_REACTION(int32_t* NUMBER) noexcept {
+  count_ids(store::LIST::LREAC, NUMBER);
+}
+
+void GET_NUM_LOCAL_REACTION_IDS(int32_t* IDS) noexcept {
+  copy_ids(store::LIST::LREAC, IDS);
+}
+
+void GET_ELEMENT_NODE_INFO(const int32_t* ID, int32_t* COUNT, int32_t* NODES) noexcept {
+  report([&]() -> STATUS {
+    if (any_null({ID, COUNT, NODES})) return STATUS::FAILED(REASON::NO_ARGUMENT);
+    if (!influence_store.IS_OPEN()) return STATUS::FAILED(REASON::STORE_NOT_OPEN);
+    const store::T_GROUP_TABLE& groups = influence_store.MAPS().ELEMENT_NODES;
+    *COUNT = groups.COUNT(*ID);
+    groups.COPY(*ID, NODES);
     return {};
   });
 }

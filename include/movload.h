@@ -7,7 +7,8 @@
  *
  * Call order: SET_INCLUDE_BLK_BS5400 where the model has an included set of influence files;
  * _MOV_KRNL_BS_5400_NUM_LANE; allocate the arrays for that many lanes; _MOV_KRNL_BS_5400 once for each result
- * and moving load case. Every call reads the files anew, and nothing of a run matters to the next.
+ * and moving load case. Every call reads the files anew, and nothing of a run matters to the next. A host may
+ * also read influence values itself; the calls for that stand in the second half.
  *
  * Threads: one call at a time in a process. No call is reentrant.
  *
@@ -107,8 +108,7 @@ enum movload_sizes {
  *   K_MXLOAD        out     [10, lanes] record of each lane, maximum side
  *   K_MNLOAD        out     [10, lanes] the same, minimum side
  *   MODE_CODE       in/out  in: analysis code, which chooses the extension (0 .ZA3, 1 .YA3, 2 .XA3, 3 .WA3,
- *                           4 .ZAX3, 101 .YA3), plus 100 where responses come from influence volumes, which
- *                           this version doesn't read;
+ *                           4 .ZAX3, 101 .YA3), plus 100 where responses come from influence volumes;
  *                           out: -1 on failure, else unchanged
  *   K_MAXINFL_S     out     [1000, lanes] numbers of the loaded ranges, maximum side; entries 1 to 500 are
  *                           written, NO_LOADED_RANGE of them in use
@@ -148,12 +148,117 @@ MOVLOAD_API void _MOV_KRNL_BS_5400(const char* PATH, int32_t PATH_LEN, int32_t R
 MOVLOAD_API void _MOV_KRNL_BS_5400_NUM_LANE(const char* PATH, int32_t PATH_LEN, int32_t* MODE_CODE,
                                             int32_t* NUM_LANE) MOVLOAD_NOEXCEPT;
 
-/* Names the included set of influence files for the next run that reads influence volumes.
+/* Names the included set of influence files for the next run that reads influence volumes: the same as
+ * SET_INCLUDE_BLK below. Such a run closes the influence store in the end, and with that forgets the set. */
+MOVLOAD_API void SET_INCLUDE_BLK_BS5400(const int32_t* PATH_LEN, const char* PATH) MOVLOAD_NOEXCEPT;
+
+/* Influence values. The solver leaves them in a set of volumes, BASE_000.BLK, BASE_001.BLK and so on, one
+ * float32 for each component of each result point and each unit load. An included set may add unit loads for
+ * the same result points: loads are numbered from 1 through both, the included set's first, and both together
+ * are the influence store, of which a process has one.
+ *
+ * Call order: SET_INCLUDE_BLK where there is an included set; INIT_MOVING_INFLUENCE; any reads and queries;
+ * CLOSE_MOVING_INFLUENCE. A run of _MOV_KRNL_BS_5400 that reads influence volumes closes a store that is
+ * open.
+ *
+ * Arguments go by reference. A read gives rows of NCOMP values, positions from 1: never more, whatever a
+ * record holds, and with an NCOMP of 0 or less nothing. What isn't stored reads as 0: an unknown result
+ * point, a load outside 1 to the number of loads, a point that one set lacks under that set's loads, a record
+ * that can't be read. Where no store is open, reads and queries leave their outputs as they are, but the two
+ * GET_NUM_ that give a number give 0. */
+
+/* Names the included set for every opening from the next one on, until CLOSE_MOVING_INFLUENCE.
  *
  *   PATH_LEN  in  characters of PATH; 0 or less, more than 1024, or blanks only change nothing
- *   PATH      in  base path of the included set
- */
-MOVLOAD_API void SET_INCLUDE_BLK_BS5400(const int32_t* PATH_LEN, const char* PATH) MOVLOAD_NOEXCEPT;
+ *   PATH      in  base path of the included set; blanks at both ends don't belong to it */
+MOVLOAD_API void SET_INCLUDE_BLK(const int32_t* PATH_LEN, const char* PATH) MOVLOAD_NOEXCEPT;
+
+/* Opens the store; one that is open is closed first. Where it can't be opened, all reads and queries give
+ * nothing, and movload_last_failure tells why.
+ *
+ *   INCLUDE_LEN, INCLUDE_PATH  in  the included set, as SET_INCLUDE_BLK takes it; 0 keeps the one named
+ *                                  before
+ *   BASE_LEN, BASE_PATH        in  base path of the primary set, up to 1016 characters */
+MOVLOAD_API void INIT_MOVING_INFLUENCE(const int32_t* INCLUDE_LEN, const char* INCLUDE_PATH,
+                                       const int32_t* BASE_LEN, const char* BASE_PATH) MOVLOAD_NOEXCEPT;
+
+/* Closes the store, keeps its files, and forgets the included set. Does no harm where none is open. */
+MOVLOAD_API void CLOSE_MOVING_INFLUENCE(void) MOVLOAD_NOEXCEPT;
+
+/* Does nothing. */
+MOVLOAD_API void REMOVE_MOVING_INFLUENCE(void) MOVLOAD_NOEXCEPT;
+
+/* Deletes the volumes of a set from disk. Nothing is deleted where the first is missing, holds no influence
+ * data or doesn't tell how many there are; later ones that are missing are passed over. */
+MOVLOAD_API void REMOVE_MOVING_INFLUENCE_FILE_PATH(const int32_t* PATH_LEN,
+                                                   const char* PATH) MOVLOAD_NOEXCEPT;
+
+/* One row of a node's results: displacements, reactions, reactions in local axes.
+ *
+ *   ID     in   node
+ *   LOAD   in   unit load, from 1
+ *   NCOMP  in   values of a row
+ *   ROW    out  [NCOMP] the node's components, as many as are stored, then zeros
+ *
+ * The _ALL_LOAD forms give the rows of all unit loads, one after the other: ROWS [NCOMP, loads]. */
+MOVLOAD_API void READ_DISP_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP,
+                                     float* ROW) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_DISP_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP,
+                                              float* ROWS) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_REAC_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP,
+                                     float* ROW) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_REAC_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP,
+                                              float* ROWS) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_LREAC_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP,
+                                      float* ROW) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_LREAC_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP,
+                                               float* ROWS) MOVLOAD_NOEXCEPT;
+
+/* An element's results. The row depends on the family of the element, which the store knows; an element of
+ * two families gives zeros. A row shorter than given here goes without the stresses.
+ *
+ *   trusses, two kinds       1 value a point
+ *   plates                   8 forces a point, then 6 stresses a point: 8 or 14 values with one point, 40 or
+ *                            70 with five
+ *   beams                    48 forces, 20 stresses: 68 values
+ *   walls                    72 forces, 60 stresses: 132 values
+ *   solids                   24 forces, 54 stresses: 78 values
+ *   general links, two kinds the record as it is stored */
+MOVLOAD_API void READ_ELEMENT_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* NCOMP,
+                                        float* ROW) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_ELEMENT_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP,
+                                                 float* ROWS) MOVLOAD_NOEXCEPT;
+
+/* The stresses of a virtual bar, as they are stored. */
+MOVLOAD_API void READ_VIRTUAL_BAR_STRESS_INFLUENCE(const int32_t* ID, const int32_t* LOAD,
+                                                   const int32_t* NCOMP, float* ROW) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_VIRTUAL_BAR_STRESS_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* NCOMP,
+                                                            float* ROWS) MOVLOAD_NOEXCEPT;
+
+/* One part of a composite bar: 3 forces at each of five stations, then 4 stresses at each: 35 values.
+ *
+ *   PART  in  from 1; one that the bars haven't gives zeros */
+MOVLOAD_API void READ_COMPOSITE_BAR_INFLUENCE(const int32_t* ID, const int32_t* LOAD, const int32_t* PART,
+                                              const int32_t* NCOMP, float* ROW) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void READ_COMPOSITE_BAR_INFLUENCE_ALL_LOAD(const int32_t* ID, const int32_t* PART,
+                                                       const int32_t* NCOMP, float* ROWS) MOVLOAD_NOEXCEPT;
+
+/* The supports that have reactions, or reactions in local axes: how many there are, and their nodes in
+ * ascending order.
+ *
+ *   NUMBER  out  0 where no store is open
+ *   IDS     out  [NUMBER] */
+MOVLOAD_API void GET_NUM_REACTION(int32_t* NUMBER) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void GET_NUM_REACTION_IDS(int32_t* IDS) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void GET_NUM_LOCAL_REACTION(int32_t* NUMBER) MOVLOAD_NOEXCEPT;
+MOVLOAD_API void GET_NUM_LOCAL_REACTION_IDS(int32_t* IDS) MOVLOAD_NOEXCEPT;
+
+/* The nodes of an element.
+ *
+ *   ID     in   element
+ *   COUNT  out  number of nodes; 0 for an unknown element
+ *   NODES  out  [COUNT] in the order of the file; there must be room for the longest list */
+MOVLOAD_API void GET_ELEMENT_NODE_INFO(const int32_t* ID, int32_t* COUNT, int32_t* NODES) MOVLOAD_NOEXCEPT;
 
 /* Why the last call failed: one line that names the file, the block, the record and what was wrong; empty
  * after a call that didn't fail. The text is the library's and stands until the next call. */

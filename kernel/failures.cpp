@@ -68,8 +68,24 @@ void describe(const STATUS& status, char* text, std::size_t room) noexcept {
     case REASON::WRONG_FORMAT_NUMBER:
       std::snprintf(text, room, "format number %lld, where 9600 is expected", value);
       return;
-    case REASON::STORE_NOT_SERVED:
-      std::snprintf(text, room, "this version doesn't read influence volumes (mode codes from 100 on)");
+    case REASON::STORE_NOT_OPEN:
+      std::snprintf(text, room, "no influence store is open");
+      return;
+    case REASON::NO_INFLUENCE_DATA:
+      std::snprintf(text, room, "the volumes hold no influence data (header word %lld)", value);
+      return;
+    case REASON::VOLUME_CUT:
+      std::snprintf(text, room, "the volume ends before what is to be read there");
+      return;
+    case REASON::NO_COMPOSITE_PARTS:
+      std::snprintf(text, room, "a block of composite bars whose item codes name no part");
+      return;
+    case REASON::UNIT_LOADS_DIFFER:
+      std::snprintf(
+          text, room,
+          "the influence store has %lld unit loads, the model %lld: an included set is missing or one "
+          "too many",
+          value, high);
       return;
     case REASON::NO_MEMORY:
       std::snprintf(text, room, "memory can't be had");
@@ -98,7 +114,8 @@ void FAILURE_TEXT(const STATUS& status, std::string_view file_name, char* text, 
     append(std::snprintf(text + used, room - used, "block %.4s: ", status.block.data()));
   }
   if (status.record != 0) {
-    append(std::snprintf(text + used, room - used, "record %lld: ", static_cast<long long>(status.record)));
+    append(std::snprintf(text + used, room - used, "%s %lld: ", status.in_volume ? "byte" : "record",
+                         static_cast<long long>(status.record)));
   }
   describe(status, text + used, room - used);
   // One line, whatever characters the host's path has.

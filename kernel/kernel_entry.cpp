@@ -1,10 +1,12 @@
 #include "kernel/kernel_entry.h"
 
 #include <cstdio>
+#include <optional>
 
 #include "kernel/block_file.h"
 #include "kernel/diagnostic_dump.h"
 #include "kernel/driver.h"
+#include "store/m_influence.h"
 
 namespace kernel {
 namespace {
@@ -19,12 +21,29 @@ void write_message(const char* line) {
 constexpr const char* BAD_PORTION = " HA UDL SEARCH ERROR IS ENCOUNTERED. PLEASE CONTACT KORVA SUPPORT ";
 constexpr const char* CLASS_TABLE_FULL = " AN ERROR OCCURRED WHILE READING B-DOUBLE LAND INFORMATION";
 
+/// Closes the store, and forgets the included set, when the run ends, whichever way.
+class STORE_OF_RUN {
+ public:
+  explicit STORE_OF_RUN(store::INFLUENCE_STORE& store) : store_(store) {}
+  ~STORE_OF_RUN() {
+    store_.CLOSE();
+    store_.FORGET_INCLUDE();
+  }
+  STORE_OF_RUN(const STORE_OF_RUN&) = delete;
+  STORE_OF_RUN& operator=(const STORE_OF_RUN&) = delete;
+
+ private:
+  store::INFLUENCE_STORE& store_;
+};
+
 /// Reads, searches and combines; everything but the host's arrays.
 STATUS work_out(const T_REQUEST& request, std::int32_t host_lanes, T_MODEL& model, T_ENVELOPE& envelope) {
   RECORD_FILE unit;
+  std::optional<STORE_OF_RUN> store;
   if (request.STORE_MODE) {
-    STATUS status = CHECK_INFLUENCE_FORMAT(unit, request.FILE_NAME);
-    return status.OK() ? STATUS::FAILED(REASON::STORE_NOT_SERVED) : status;
+    if (STATUS status = CHECK_INFLUENCE_FORMAT(unit, request.FILE_NAME); !status.OK()) return status;
+    store.emplace(*request.STORE);
+    if (STATUS status = request.STORE->OPEN(request.BASE_NAME); !status.OK()) return status;
   }
   STATUS status = READ_MODEL(unit, request, host_lanes, model);
   if (!status.OK()) {
@@ -32,6 +51,11 @@ STATUS work_out(const T_REQUEST& request, std::int32_t host_lanes, T_MODEL& mode
       write_message("");
       write_message(CLASS_TABLE_FULL);
     }
+    return status;
+  }
+  if (request.STORE_MODE && request.STORE->N_TOTAL_LOADS() != model.COUNTS.N_UNIT_LOAD) {
+    status = STATUS::FAILED(REASON::UNIT_LOADS_DIFFER, request.STORE->N_TOTAL_LOADS());
+    status.high = model.COUNTS.N_UNIT_LOAD;
     return status;
   }
   envelope = T_ENVELOPE(model.COUNTS.NUM_LANE);

@@ -4,23 +4,26 @@
 //   lane phase          for one result point and component (results/result_skeleton.h)
 //   combination phase   for one moving load case; gives a T_ENVELOPE
 //
-// Everything stands in objects that are passed down. Process-wide is only HOST_SETTINGS, what one call of the
-// host leaves for the next.
+// Everything stands in objects that are passed down. Process-wide are only HOST_SETTINGS, what one call of
+// the host leaves for the next, and the influence store (store/m_influence.h).
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "common/path.h"
 #include "common/real.h"
 #include "kernel/combinations.h"
 #include "kernel/control_blocks.h"
 #include "kernel/diagnostic_unit.h"
 #include "search/lane_ordinates.h"
 #include "search/vehicle_tables.h"
+
+namespace store {
+class INFLUENCE_STORE;
+}
 
 namespace kernel {
 
@@ -42,13 +45,15 @@ enum RESULT_KIND : std::int32_t {
 /// What the host asks for.
 struct T_REQUEST {
   std::string FILE_NAME;  // of the block directory file
+  std::string BASE_NAME;  // of the influence volumes
   std::int32_t ANALYSIS_CODE = 0;
   bool STORE_MODE = false;
   std::int32_t RESULT_KIND = 0;
   std::int32_t RESULT_ID = 0;
   std::int32_t RESULT_ITEM = 0;
   std::int32_t MV_CASE = 0;
-  DIAGNOSTIC_UNIT* UNIT_78 = nullptr;  // where a run leaves its diagnostic text; null: nowhere
+  store::INFLUENCE_STORE* STORE = nullptr;  // in STORE_MODE; such a run opens and closes it
+  DIAGNOSTIC_UNIT* UNIT_78 = nullptr;       // where a run leaves its diagnostic text; null: nowhere
 };
 
 /// The tables of a model. Filled by READ_MODEL and then left alone: several results may be worked out from
@@ -100,24 +105,10 @@ struct T_ENVELOPE {
   }
 };
 
-/// A path as the calling contract keeps it: characters and a length, no terminator.
-struct T_PATH {
-  static constexpr std::size_t ROOM = 1024;
-  std::array<char, ROOM> CHARACTERS{};
-  std::size_t LENGTH = 0;
-
-  void SET(std::string_view path) noexcept {
-    LENGTH = std::min(path.size(), ROOM);
-    std::copy_n(path.data(), LENGTH, CHARACTERS.data());
-  }
-  [[nodiscard]] std::string_view TEXT() const noexcept { return {CHARACTERS.data(), LENGTH}; }
-};
-
 /// What the calls of a host leave for each other. Begun with the process, overwritten by the calls that set a
 /// field, ended with the process.
 struct HOST_SETTINGS {
-  T_PATH BASE_NAME;     // of the model's files
-  T_PATH INCLUDE_PATH;  // base path of the included set that waits for an opening; empty: none
+  T_PATH BASE_NAME;  // of the model's files
   DIAGNOSTIC_UNIT UNIT_78;
 };
 

@@ -11,24 +11,27 @@ namespace results {
 namespace {
 
 using kernel::T_COUNTS;
+using store::READ;
 
 // clang-format off
+using enum FIND_RUN;
+
 constexpr std::array<T_FAMILY, 13> FAMILY_TABLE{{
     // RESULT_DISP, RESULT_REAC, RESULT_LRAC, RESULT_SIMB and RESULT_LINK
-    {kernel::RK_DISP, FIND_RUN::BY_ID, "DISP", 0, OF_NODE},
-    {kernel::RK_LDSP, FIND_RUN::BY_LOCAL_AXES, "LDSP", 0, OF_NODE},
-    {kernel::RK_REAC, FIND_RUN::BY_NODE_NUMBER, "REAC", 1, OF_NODE, &T_COUNTS::N_REAC_NODE},
-    {kernel::RK_LRAC, FIND_RUN::BY_NODE_NUMBER, "LRAC", 1, OF_NODE, &T_COUNTS::N_LOCAL_REACTION},
-    {kernel::RK_SIMB, FIND_RUN::BY_ID, "SIMB", 0, 12},
-    {kernel::RK_ELNK, FIND_RUN::BY_ID, "ELNK", 3, 12},
-    {kernel::RK_NLNK, FIND_RUN::BY_ID, "NLNK", 3, 12},
+    {kernel::RK_DISP, BY_ID, "DISP", READ::DISP, 0, OF_NODE},
+    {kernel::RK_LDSP, BY_LOCAL_AXES, "LDSP", READ::LDISP, 0, OF_NODE},
+    {kernel::RK_REAC, BY_NODE_NUMBER, "REAC", READ::REAC, 1, OF_NODE, &T_COUNTS::N_REAC_NODE},
+    {kernel::RK_LRAC, BY_NODE_NUMBER, "LRAC", READ::LREAC, 1, OF_NODE, &T_COUNTS::N_LOCAL_REACTION},
+    {kernel::RK_SIMB, BY_ID, "SIMB", READ::ELEMENT, 0, 12},
+    {kernel::RK_ELNK, BY_ID, "ELNK", READ::ELEMENT, 3, 12},
+    {kernel::RK_NLNK, BY_ID, "NLNK", READ::ELEMENT, 3, 12},
     // RESULT_TRUSS, RESULT_PLATE, RESULT_BEAM, RESULT_BEAM_EXTRA, RESULT_WALL and RESULT_WALL_EXTRA
-    {kernel::RK_TRUSS, FIND_RUN::IN_ELEMENT_FILE, "T", 1, 2},
-    {kernel::RK_PLATE, FIND_RUN::IN_ELEMENT_FILE, "P", 5, OF_PLATE},
-    {kernel::RK_BEAM, FIND_RUN::IN_ELEMENT_FILE, "B", 1, 30, nullptr, 0, 69, ROW_LAYOUT::JUMP},
-    {kernel::RK_BEAM, FIND_RUN::IN_ELEMENT_FILE, "B", 49, 20, nullptr, 30},
-    {kernel::RK_WALL, FIND_RUN::IN_ELEMENT_FILE, "W", 1, 30, nullptr, 0, 133, ROW_LAYOUT::JUMP},
-    {kernel::RK_WALL, FIND_RUN::IN_ELEMENT_FILE, "W", 73, 60, nullptr, 45},
+    {kernel::RK_TRUSS, IN_ELEMENT_FILE, "T", READ::ELEMENT, 1, 2},
+    {kernel::RK_PLATE, IN_ELEMENT_FILE, "P", READ::ELEMENT, 5, OF_PLATE},
+    {kernel::RK_BEAM, IN_ELEMENT_FILE, "B", READ::ELEMENT, 1, 30, nullptr, 0, 69, ROW_LAYOUT::JUMP},
+    {kernel::RK_BEAM, IN_ELEMENT_FILE, "B", READ::ELEMENT, 49, 20, nullptr, 30},
+    {kernel::RK_WALL, IN_ELEMENT_FILE, "W", READ::ELEMENT, 1, 30, nullptr, 0, 133, ROW_LAYOUT::JUMP},
+    {kernel::RK_WALL, IN_ELEMENT_FILE, "W", READ::ELEMENT, 73, 60, nullptr, 45},
 }};
 // clang-format on
 
@@ -201,12 +204,35 @@ STATUS fetch_from_element_file(const T_FAMILY& family, const kernel::T_MODEL& mo
   return {};
 }
 
+/// The influence store has the same columns without the words in front of component 1, of which the first row
+/// of a kind skips no more. Of a record no other component is read.
+STATUS fetch_from_store(const T_FAMILY& family, const kernel::T_MODEL& model,
+                        const kernel::T_REQUEST& request, const T_WANTED& wanted,
+                        search::T_LOAD_ORD& LOAD_ORD, bool& nothing_to_search) {
+  const bool must_be_stored =
+      family.FINDING == FIND_RUN::BY_LOCAL_AXES || family.FINDING == FIND_RUN::BY_NODE_NUMBER;
+  nothing_to_search =
+      must_be_stored && !store::IS_STORED(*request.STORE, family.STORE_READ, request.RESULT_ID);
+  if (nothing_to_search) return {};
+  LOAD_ORD.VALUES.RESIZE(wanted.COLUMNS, model.COUNTS.N_UNIT_LOAD);
+  const std::int32_t header_words = FIND_FAMILY(family.RESULT_KIND)->WORDS_SKIPPED;
+  store::T_READ read;
+  read.KIND = family.STORE_READ;
+  read.ID = request.RESULT_ID;
+  read.NCOMP = wanted.RECORD_WORDS - header_words;
+  read.FIRST_POSITION = wanted.FIRST_WORD - header_words + 1;
+  read.POSITIONS = wanted.COLUMNS;
+  return store::READ_ALL(*request.STORE, read, LOAD_ORD.VALUES.VIEW().begin());
+}
+
 /// Fetches the ordinates of a component.
 STATUS fetch(const T_FAMILY& family, const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
              const T_COMPONENT& component, kernel::RECORD_FILE& unit, search::T_LOAD_ORD& LOAD_ORD,
              bool& nothing_to_search) {
   const T_WANTED wanted = wanted_of(family, model.COUNTS, component);
   LOAD_ORD.COLUMNS = wanted.COLUMNS;
+  if (request.STORE_MODE)
+    return fetch_from_store(family, model, request, wanted, LOAD_ORD, nothing_to_search);
   return family.FINDING == FIND_RUN::IN_ELEMENT_FILE
              ? fetch_from_element_file(family, model, request, wanted, LOAD_ORD)
              : fetch_from_block(family, model, request, wanted, unit, LOAD_ORD, nothing_to_search);

@@ -2,7 +2,9 @@
 //
 // All routines run the one skeleton; they differ in a row of this table. A result point has N_UNIT_LOAD
 // records, one for each unit load in order: a run in a block of the directory file, or the records of an
-// element in its element file (element_files.h). No member changes the sign or the unit of a component.
+// element in its element file (element_files.h). In STORE_MODE the influence store has the same components
+// under the number of the node or element, without a record's header words. No member changes the sign or
+// the unit of a component.
 //
 //   DISP, LDSP   N_DOF float32                       addressed by node, or place among the local axes
 //   REAC, LRAC   float32 node number, N_DOF float32  searched for the node, runs in any order
@@ -20,6 +22,7 @@
 #include "kernel/run_state.h"
 #include "results/result_skeleton.h"
 #include "search/lane_ordinates.h"
+#include "store/influence_reads.h"
 
 namespace results {
 
@@ -35,6 +38,7 @@ struct T_FAMILY {
   std::int32_t RESULT_KIND;
   FIND_RUN FINDING;
   std::string_view TAG;        // of the block, or the letter of the element files
+  store::READ STORE_READ;      // where the influence store has them
   std::int32_t WORDS_SKIPPED;  // words of a record in front of component 1
   std::int32_t COMPONENTS;
   std::int32_t kernel::T_COUNTS::*NODES = nullptr;  // runs of the block, where a node is searched for

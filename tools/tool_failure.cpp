@@ -27,7 +27,7 @@ std::string ADVICE_FOR(std::string_view failure_line) {
       {"directory can't be read to its end", "the file is cut or damaged: have the solver write it again"},
       {"the block isn't in the directory",
        "run `movload inspect` to see which blocks the file holds, and have the solver write the missing one"},
-      {"influence volumes", "have the solver write the responses into the block directory file"},
+      {"the influence store has", "name the included set of influence volumes that belongs to the model"},
       {"memory can't be had", "close other programs or use a machine with more memory"},
       {"unexpected failure", "please report this, with the model's files"},
       {"the path has", "use a shorter path, for instance one that starts in the model's folder"},

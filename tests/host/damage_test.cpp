@@ -212,7 +212,7 @@ TEST_F(damage, a_request_that_no_model_can_answer_fails_and_says_why) {
 
   // Influence volumes aren't read; their format is told first.
   const auto store = [&](const string& text) { EXPECT_FAILED(ask(base_, SIMB, LANES, 100), path + text); };
-  store("this version doesn't read influence volumes (mode codes from 100 on)");
+  EXPECT_FAILED(ask(base_, SIMB, LANES, 100), base_ + "_000.BLK: the file can't be opened");
   EXPECT_EQ(host::NUM_LANE(base_, 100).NUM_LANE, LANES);
   WRITE({.format_number = 9500});
   store("block IFSV: record 1: format number 9500, where 9600 is expected");

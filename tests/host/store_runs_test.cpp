@@ -1,0 +1,160 @@
+// Runs on influence volumes give what runs on blocks and element files give, bit for bit, with and without an
+// included set.
+#include <filesystem>
+#include <random>
+
+#include "modelkit/example_bridge.h"
+#include "modelkit/model_writer.h"
+#include "modelkit/random_model.h"
+#include "modelkit/volume_writer.h"
+#include "tests/host/host_call.h"
+#include "tests/temporary_directory.h"
+
+namespace {
+
+using modelkit::T_MODEL;
+using modelkit::T_RESPONSE;
+
+struct KIND {
+  std::int32_t code;
+  std::vector<T_RESPONSE> T_MODEL::*responses;
+  std::int32_t items;  // 0: by the response
+};
+const KIND KINDS[] = {
+    {MOVLOAD_RK_DISP, &T_MODEL::disp, 0},    {MOVLOAD_RK_LDSP, &T_MODEL::ldisp, 0},
+    {MOVLOAD_RK_REAC, &T_MODEL::reac, 0},    {MOVLOAD_RK_LRAC, &T_MODEL::lrac, 0},
+    {MOVLOAD_RK_SIMB, &T_MODEL::simb, 12},   {MOVLOAD_RK_ELNK, &T_MODEL::elnk, 12},
+    {MOVLOAD_RK_NLNK, &T_MODEL::nlnk, 12},   {MOVLOAD_RK_TRUSS, &T_MODEL::trusses, 2},
+    {MOVLOAD_RK_BEAM, &T_MODEL::beams, 50},  {MOVLOAD_RK_PLATE, &T_MODEL::plates, 0},
+    {MOVLOAD_RK_WALL, &T_MODEL::walls, 105},
+};
+
+void include(const std::string& path) {
+  const auto length = static_cast<std::int32_t>(path.size());
+  SET_INCLUDE_BLK_BS5400(&length, path.data());
+}
+
+/// Both runs of a result; the included set, if there is one, is called "included".
+void expect_same(const TEMPORARY_DIRECTORY& files, int lanes, int kind, int id, int item, int mv_case) {
+  const host::ARGUMENTS expected = host::RUN(lanes, files.NAME(), 0, kind, id, item, mv_case);
+  EXPECT_EQ(expected.MODE_CODE, 0) << movload_last_failure();
+  if (std::filesystem::exists(files.NAME("included_000.BLK"))) include(files.NAME("included"));
+  host::ARGUMENTS got = host::RUN(lanes, files.NAME(), 100, kind, id, item, mv_case);
+  EXPECT_EQ(got.MODE_CODE, 100) << movload_last_failure();
+  got.MODE_CODE = 0;
+  EXPECT_TRUE(host::SAME(expected, got)) << "kind " << kind << ", id " << id << ", item " << item;
+}
+
+std::vector<T_RESPONSE> random_elements(std::mt19937_64& random, int values, std::int32_t loads) {
+  std::uniform_real_distribution<float> value(-1.0F, 1.0F);
+  std::vector<T_RESPONSE> elements;
+  for (std::int32_t id : {2, 3, 5}) {
+    T_RESPONSE& element = elements.emplace_back(T_RESPONSE{.id = id});
+    element.values.assign(static_cast<std::size_t>(values),
+                          std::vector<float>(static_cast<std::size_t>(loads)));
+    // The last one is 0, so that a set may leave it out.
+    for (auto& line : element.values)
+      for (float& x : line) x = id == 5 ? 0.0F : value(random);
+  }
+  return elements;
+}
+
+TEST(store_runs, every_kind_of_random_models_is_the_same_in_volumes) {
+  constexpr int PLATE_VALUES[] = {8, 40, 14, 70};
+  for (std::uint64_t seed = 1; seed <= 24; ++seed) {
+    const TEMPORARY_DIRECTORY files;
+    std::mt19937_64 random(seed);
+    const auto between = [&](int low, int high) {
+      return std::uniform_int_distribution<int>(low, high)(random);
+    };
+    T_MODEL model = modelkit::RANDOM_MODEL(
+        random, {.other_sub_cases = 0.5, .straddle_lanes = 0.5, .axle_lists = 0.3, .class_definitions = 0.3});
+    model.plate_form = static_cast<std::int32_t>(seed % 4 + 1);
+    model.trusses = random_elements(random, 2, model.unit_loads);
+    model.beams = random_elements(random, 68, model.unit_loads);
+    model.plates = random_elements(random, PLATE_VALUES[seed % 4], model.unit_loads);
+    model.walls = random_elements(random, 132, model.unit_loads);
+    model.elements_per_file = 1000;
+    model = modelkit::NUMBER_ELEMENTS_APART(model);
+    modelkit::WRITE_MODEL(model, files.NAME());
+    modelkit::WRITE_VOLUMES(model, files.NAME(),
+                            {.volumes = between(1, 4),
+                             .ids_per_block = between(0, 3),
+                             .lists_in_turn = between(0, 1) == 1,
+                             .both_codes = true,
+                             .foreign_blocks = between(0, 1) == 1,
+                             .included_loads = seed % 3 == 0 ? 0 : between(0, model.unit_loads),
+                             .leave_out_zeros = seed % 2 == 0},
+                            files.NAME("included"));
+    for (const KIND& kind : KINDS) {
+      const auto& responses = model.*kind.responses;
+      ASSERT_FALSE(responses.empty());
+      for (int request = 0; request < 3; ++request) {
+        const T_RESPONSE& response =
+            responses[static_cast<std::size_t>(between(0, static_cast<int>(std::ssize(responses)) - 1))];
+        const int items = kind.items > 0 ? kind.items : static_cast<int>(std::ssize(response.values));
+        expect_same(
+            files, static_cast<int>(model.lanes.size()), kind.code, response.id, between(1, items),
+            between(1, static_cast<int>(std::max<std::ptrdiff_t>(1, std::ssize(model.moving_load_cases)))));
+      }
+    }
+    if (testing::Test::HasFailure()) FAIL() << "seed " << seed;
+  }
+}
+
+/// One lane over two unit loads under a knife edge of 1: both envelopes are an ordinate.
+T_MODEL two_loads() {
+  T_MODEL model{.unit_loads = 2};
+  model.lanes = {
+      {.points = {{.x = 0.0, .entries = {{.a = {1, 1.0}}}}, {.x = 9.0, .entries = {{.a = {2, 1.0}}}}}}};
+  model.vehicle_groups = {{.vehicles = {{.loads = {1.0}}}}};
+  model.moving_load_cases = {{.combinations = {{{1, 1.0}}}}};
+  model.disp = model.ldisp = model.reac = model.lrac = {{.id = 4, .values = {{3.0F, -5.0F}}}};
+  return model;
+}
+
+TEST(store_runs, a_result_that_is_not_stored_is_0_or_nothing_to_search) {
+  const TEMPORARY_DIRECTORY files;
+  const T_MODEL model = two_loads();
+  modelkit::WRITE_MODEL(model, files.NAME(), {.responses = false});
+  modelkit::WRITE_VOLUMES(model, files.NAME());
+  const auto greatest = [&](int kind, int id) {
+    return host::RUN(1, files.NAME(), 100, kind, id, 1, 1).FINAL_MAX;
+  };
+  for (const int kind : {MOVLOAD_RK_DISP, MOVLOAD_RK_LDSP, MOVLOAD_RK_REAC, MOVLOAD_RK_LRAC}) {
+    EXPECT_EQ(greatest(kind, 4), 3.0) << kind << movload_last_failure();
+    EXPECT_EQ(greatest(kind, 5), kind == MOVLOAD_RK_DISP ? 0.0 : host::UNTOUCHED) << kind;
+  }
+  EXPECT_EQ(greatest(MOVLOAD_RK_BEAM, 4), 0.0);
+}
+
+TEST(store_runs, a_run_tells_what_is_wrong_with_the_volumes_and_forgets_the_included_set) {
+  const TEMPORARY_DIRECTORY files;
+  const T_MODEL model = two_loads();
+  modelkit::WRITE_MODEL(model, files.NAME());
+  const auto failure = [&]() {
+    const host::ARGUMENTS before(1);
+    host::ARGUMENTS got = host::RUN(1, files.NAME(), 100, MOVLOAD_RK_DISP, 4, 1, 1);
+    EXPECT_EQ(got.MODE_CODE == -1, std::string_view(movload_last_failure()) != "");
+    if (got.MODE_CODE == -1) {
+      got.MODE_CODE = 0;
+      EXPECT_TRUE(host::SAME(before, got));
+    }
+    return std::string(movload_last_failure());
+  };
+  EXPECT_EQ(failure(), files.NAME("model_000.BLK") + ": the file can't be opened");
+  const auto sets = modelkit::WRITE_VOLUMES(model, files.NAME(), {.volumes = 5, .included_loads = 1},
+                                            files.NAME("included"));
+  EXPECT_EQ(failure(), files.NAME("model.ZA3") +
+                           ": the influence store has 1 unit loads, the model 2: an included "
+                           "set is missing or one too many");
+  include(files.NAME("included"));
+  EXPECT_EQ(failure(), "");
+  EXPECT_NE(failure(), "");  // the run before has forgotten it
+  include(files.NAME("included"));
+  std::filesystem::resize_file(sets.included.paths[3], 4);
+  EXPECT_EQ(failure().find(sets.included.paths[3] + ": byte 4: the volume ends"), 0U)
+      << movload_last_failure();
+}
+
+}  // namespace
