@@ -126,7 +126,7 @@ BENCHMARK(library<search::HB_LANE, 1>)->Name("HB_LANE")->Apply(girders);
 BENCHMARK(library<search::HB_STRADDLE_SUM, 3>)->Name("HB_STRADDLE_SUM_3_PLANES")->Apply(few_girders);
 BENCHMARK(library<search::HB_STRADDLE_THIRD, 3>)->Name("HB_STRADDLE_THIRD_3_PLANES")->Apply(few_girders);
 
-/// A line that changes sign at every other point or so: bounds are of little use there.
+/// A line that changes sign at every other point or so: hundreds of ranges.
 T_LANE noisy_lane(const benchmark::State& state) {
   T_GIRDER girder(static_cast<std::int32_t>(state.range(0)), 1, EFFECT::FIELD_MOMENT);
   std::mt19937 random(7);

@@ -133,8 +133,7 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   std::array<real, N_SIDES> largest{};  // ordinate of each sign, as a magnitude
   const auto note_range = [&](SIDE side, const T_OPEN_RANGE& range) {
     T_RANKED its = ranked(side, range);
-    // A range that rounding made negative, or one too many.
-    bounded = bounded && ranges_[side].size() < MOST_RANGES && its.AREA >= 0 && its.LENGTH >= 0;
+    bounded = bounded && its.AREA >= 0 && its.LENGTH >= 0;  // rounding can make a range negative
     if (!bounded) return;
     closed_[side].push_back(range);
     its.NUMBER = static_cast<std::int32_t>(closed_[side].size());
@@ -182,7 +181,6 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
       std::fabs(static_cast<double>(line.LANE_X(1))) + std::fabs(static_cast<double>(line.LANE_X(line.n)));
   const double roundings = 3 * (segments_ + 64) * ROUNDING * MARGIN;
   quick_factor_ = 1 + roundings;
-  constexpr auto LENGTH_ROUNDINGS = static_cast<double>(16 + MOST_RANGES + MOST_OWN);
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
     std::sort(ranges_[side].begin(), ranges_[side].end(),
               [](const T_RANKED& a, const T_RANKED& b) { return a.HIGHEST_MEAN > b.HIGHEST_MEAN; });
@@ -199,7 +197,9 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
     quick.NOTHING = highest == 0;
     quick.AREA_OFFSET = 16 * ROUNDING * highest * reach + 2 * slivers_[side].AREA +
                         whole.AREA_SUM * sum_error_ + smallest_steps;
-    quick.LENGTH_OFFSET = LENGTH_ROUNDINGS * ROUNDING * reach + 2 * slivers_[side].LENGTH +
+    // Each range that joins a loaded length may lose a rounding of it.
+    const auto loaded = static_cast<double>(ranges_[side].size() + T_OWN_RANGES::MOST);
+    quick.LENGTH_OFFSET = (16 + loaded) * ROUNDING * reach + 2 * slivers_[side].LENGTH +
                           whole.LENGTH_SUM * roundings + smallest_steps;
     find_steps(line, side, highest, shortest_vehicle);
   }
@@ -351,126 +351,157 @@ void T_HA_BOUNDS::RANGES_BESIDE(const T_LINE& line, const T_ZONE_PLACE& zone, co
   }
 }
 
-T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length,
-                            double needed) const noexcept {
-  if (quick_[side].NOTHING) return {};
-  if (!cut.KNOWN) return NO_BOUNDS;
+/// Those that the cut segments close, and the one joined across the zone. Not sure where rounding may decide
+/// on what there is.
+T_HA_BOUNDS::T_OWN_RANGES T_HA_BOUNDS::own_ranges(SIDE side, const T_ZONE_CUT& cut) const noexcept {
   const auto& states = states_[side];
   const T_STATE& before = states[static_cast<std::size_t>(cut.BEFORE)];
   const T_STATE& behind = states[static_cast<std::size_t>(cut.BEHIND)];
-  const T_STATE& closing =
-      states[static_cast<std::size_t>(behind.NEXT_CLOSE > 0 ? behind.NEXT_CLOSE : segments_)];
+  const bool reaches_end = behind.NEXT_CLOSE == 0;
+  const std::int32_t last_segment = reaches_end ? segments_ : behind.NEXT_CLOSE;
+  const T_STATE& closing = states[static_cast<std::size_t>(last_segment)];
 
-  // Ranges beside the whole line's: those of the cut segments, and the one joined across the zone.
-  std::array<T_RANKED, MOST_OWN> own;
-  std::size_t n_own = 0;
+  T_OWN_RANGES own;
+  own.FIRST_GONE = before.CLOSED + 1;
+  own.LAST_GONE = reaches_end ? std::numeric_limits<std::int32_t>::max() : closing.CLOSED;
   for (std::int32_t c = 0; c < cut.N_CLOSED; ++c) {
     const T_ZONE_CUT::T_CLOSED& closed = cut.CLOSED[static_cast<std::size_t>(c)];
     if (closed.RANGE_SIDE != side) continue;
-    own[n_own] = ranked(side, closed.RANGE);
-    if (own[n_own].AREA < 0 || own[n_own].LENGTH < 0) return NO_BOUNDS;
-    ++n_own;
+    T_RANKED& its = own.RANGES[own.COUNT++];
+    its = ranked(side, closed.RANGE);
+    if (its.AREA < 0 || its.LENGTH < 0) return own;
   }
+
   const T_OPEN_RANGE& open = side == MAX_SIDE ? cut.OPEN.POSITIVE : cut.OPEN.NEGATIVE;
-  const double terms = 2.0 + (behind.NEXT_CLOSE > 0 ? behind.NEXT_CLOSE : segments_) - cut.BEHIND;
   const double open_area =
       side == MAX_SIDE ? static_cast<double>(open.AREA) : -static_cast<double>(open.AREA);
-  const double tail_area = closing.AREA_SUM - behind.AREA_SUM;
-  const double tail_length = closing.LENGTH_SUM - behind.LENGTH_SUM;
   const double few_roundings = 64 * ROUNDING;
-  double area_error = few_roundings * slivers_[side].AREA;
-  double length_error = few_roundings * slivers_[side].LENGTH;
-  const bool reaches_end = behind.NEXT_CLOSE == 0;
+  own.AREA_ERROR = few_roundings * slivers_[side].AREA;
+  own.LENGTH_ERROR = few_roundings * slivers_[side].LENGTH;
   const bool is_empty = open.AREA == 0 && closing.TERMS == behind.TERMS;
   if (!(reaches_end && is_empty)) {
-    T_RANKED& joined = own[n_own++];
-    joined.AREA = open_area + tail_area;
-    joined.LENGTH = static_cast<double>(open.LENGTH) + tail_length;
-    area_error += ((joined.AREA + slivers_[side].AREA) * terms * ROUNDING + terms * SMALLEST_STEP) * MARGIN +
-                  states.back().AREA_SUM * sum_error_;
-    length_error +=
-        ((joined.LENGTH + slivers_[side].LENGTH) * terms * ROUNDING + terms * SMALLEST_STEP) * MARGIN +
-        states.back().LENGTH_SUM * sum_error_;
+    T_RANKED& joined = own.RANGES[own.COUNT++];
+    joined.AREA = open_area + (closing.AREA_SUM - behind.AREA_SUM);
+    joined.LENGTH = static_cast<double>(open.LENGTH) + (closing.LENGTH_SUM - behind.LENGTH_SUM);
+    const double terms = 2.0 + last_segment - cut.BEHIND;
+    const auto rounded = [&](double magnitude) {
+      return (magnitude * terms * ROUNDING + terms * SMALLEST_STEP) * MARGIN;
+    };
+    own.AREA_ERROR += rounded(joined.AREA + slivers_[side].AREA) + states.back().AREA_SUM * sum_error_;
+    own.LENGTH_ERROR +=
+        rounded(joined.LENGTH + slivers_[side].LENGTH) + states.back().LENGTH_SUM * sum_error_;
     // Too small to be told from rounding.
-    const bool is_sure = joined.AREA > 100 * area_error && joined.LENGTH > 100 * length_error &&
-                         joined.LENGTH - length_error > static_cast<double>(short_range_) && open_area >= 0 &&
-                         open.LENGTH >= 0;
-    if (!is_sure) return NO_BOUNDS;
+    const bool is_sure = joined.AREA > 100 * own.AREA_ERROR && joined.LENGTH > 100 * own.LENGTH_ERROR &&
+                         joined.LENGTH - own.LENGTH_ERROR > static_cast<double>(short_range_) &&
+                         open_area >= 0 && open.LENGTH >= 0;
+    if (!is_sure) return own;
     const double per_length = 1 / joined.LENGTH;
     const double mean = joined.AREA * per_length;
     const double mean_error =
-        ((area_error + mean * length_error) * per_length + mean * 2 * ROUNDING) * 1.1 + SMALLEST_STEP;
+        ((own.AREA_ERROR + mean * own.LENGTH_ERROR) * per_length + mean * 2 * ROUNDING) * 1.1 + SMALLEST_STEP;
     joined.LOWEST_MEAN = mean - mean_error;
     joined.HIGHEST_MEAN = mean + mean_error;
   }
-  for (std::size_t i = 1; i < n_own; ++i) {
-    for (std::size_t j = i; j > 0 && own[j].HIGHEST_MEAN > own[j - 1].HIGHEST_MEAN; --j) {
-      std::swap(own[j], own[j - 1]);
+  for (std::size_t i = 1; i < own.COUNT; ++i) {
+    for (std::size_t j = i; j > 0 && own.RANGES[j].HIGHEST_MEAN > own.RANGES[j - 1].HIGHEST_MEAN; --j) {
+      std::swap(own.RANGES[j], own.RANGES[j - 1]);
+    }
+  }
+  own.ARE_SURE = true;
+  return own;
+}
+
+/// The prefixes of a ranking whose ranges are taken from the highest that their means may be on. Ranges any of
+/// which may come first wait in a group until it is complete, which none of those that follow can reach into.
+class T_HA_BOUNDS::PREFIXES {
+ public:
+  PREFIXES(const T_INTENSITY_BOUNDS& intensity, double vehicle_length, const T_OWN_RANGES& own, double needed,
+           T_GROUP& group)
+      : intensity_(intensity), own_(own), needed_(needed), group_(group), length_(vehicle_length) {
+    group_.MEMBERS.clear();
+  }
+
+  void TAKE(const T_RANKED& range) {
+    if (!group_.MEMBERS.empty() && range.HIGHEST_MEAN < lowest_mean_) end_group();
+    lowest_mean_ = group_.MEMBERS.empty() ? range.LOWEST_MEAN : std::min(lowest_mean_, range.LOWEST_MEAN);
+    group_.MEMBERS.push_back(&range);
+  }
+  [[nodiscard]] T_BOUNDS END() {
+    if (!group_.MEMBERS.empty()) end_group();
+    return best_;
+  }
+
+ private:
+  /// One prefix; what lies below the effect counts only where it is sure that there is this one.
+  void bound_prefix(double area, double length, std::size_t ranges, bool is_sure) {
+    const double off = (16 + static_cast<double>(ranges)) * ROUNDING * MARGIN;
+    const double shortest = length * (1 - off) - own_.LENGTH_ERROR;
+    const double highest =
+        (area * (1 + off) + own_.AREA_ERROR) * intensity_.HIGHEST_FROM(shortest) * (1 + off);
+    best_.HIGH = std::max(best_.HIGH, highest + SMALLEST_STEP * (1 + highest));
+    if (!is_sure || highest <= needed_) return;
+    const double lowest = intensity_.LOWEST_BETWEEN(shortest, length * (1 + off) + own_.LENGTH_ERROR);
+    best_.LOW =
+        std::max(best_.LOW, (area * (1 - off) - own_.AREA_ERROR) * lowest * (1 - off) - SMALLEST_STEP);
+  }
+
+  /// A prefix that ends inside the group has at most its largest areas and at least its shortest lengths.
+  void bound_inside_group() {
+    group_.AREAS.clear();
+    group_.LENGTHS.clear();
+    for (const T_RANKED* range : group_.MEMBERS) {
+      group_.AREAS.push_back(range->AREA);
+      group_.LENGTHS.push_back(range->LENGTH);
+    }
+    std::sort(group_.AREAS.begin(), group_.AREAS.end(), std::greater<>());
+    std::sort(group_.LENGTHS.begin(), group_.LENGTHS.end());
+    double most_area = area_;
+    double least_length = length_;
+    for (std::size_t m = 0; m + 1 < group_.MEMBERS.size(); ++m) {
+      most_area += group_.AREAS[m];
+      least_length += group_.LENGTHS[m];
+      bound_prefix(most_area, least_length, loaded_ + m + 1, false);
     }
   }
 
-  // The prefixes of the ranking, which merges the whole line's ranges that stand and the own ones. Ranges
-  // any of which may come first wait in a group until it is complete: taken from the highest that a mean may
-  // be on, none of those that follow can reach into it then.
-  T_BOUNDS best;
-  double area = 0;
-  double length = vehicle_length;
-  std::size_t loaded = 0;
-  const auto prefix = [&](double its_area, double its_length, std::size_t its_ranges, bool is_sure) {
-    const double off = (16 + static_cast<double>(its_ranges)) * ROUNDING * MARGIN;
-    const double shortest = its_length * (1 - off) - length_error;
-    const double highest =
-        (its_area * (1 + off) + area_error) * intensity_->HIGHEST_FROM(shortest) * (1 + off);
-    best.HIGH = std::max(best.HIGH, highest + SMALLEST_STEP * (1 + highest));
-    if (!is_sure || highest <= needed) return;
-    const double lowest = intensity_->LOWEST_BETWEEN(shortest, its_length * (1 + off) + length_error);
-    best.LOW = std::max(best.LOW, (its_area * (1 - off) - area_error) * lowest * (1 - off) - SMALLEST_STEP);
-  };
-  std::array<const T_RANKED*, MOST_RANGES + MOST_OWN> group;
-  std::size_t members = 0;
-  double lowest_mean = 0;  // of the group
-  const auto end_group = [&] {
-    if (members > 1) {
-      std::array<double, MOST_RANGES + MOST_OWN> areas;
-      std::array<double, MOST_RANGES + MOST_OWN> lengths;
-      for (std::size_t m = 0; m < members; ++m) {
-        areas[m] = group[m]->AREA;
-        lengths[m] = group[m]->LENGTH;
-      }
-      std::sort(areas.begin(), areas.begin() + static_cast<std::ptrdiff_t>(members), std::greater<>());
-      std::sort(lengths.begin(), lengths.begin() + static_cast<std::ptrdiff_t>(members));
-      double most_area = area;
-      double least_length = length;
-      for (std::size_t m = 0; m + 1 < members; ++m) {
-        most_area += areas[m];
-        least_length += lengths[m];
-        prefix(most_area, least_length, loaded + m + 1, false);
-      }
+  void end_group() {
+    if (group_.MEMBERS.size() > 1) bound_inside_group();
+    for (const T_RANKED* range : group_.MEMBERS) {
+      area_ += range->AREA;
+      length_ += range->LENGTH;
     }
-    for (std::size_t m = 0; m < members; ++m) {
-      area += group[m]->AREA;
-      length += group[m]->LENGTH;
-    }
-    loaded += members;
-    if (members > 0) prefix(area, length, loaded, true);
-    members = 0;
-  };
-  const auto take = [&](const T_RANKED& range) {
-    if (members > 0 && range.HIGHEST_MEAN < lowest_mean) end_group();
-    lowest_mean = members > 0 ? std::min(lowest_mean, range.LOWEST_MEAN) : range.LOWEST_MEAN;
-    group[members++] = &range;
-  };
-  const std::int32_t first_gone = before.CLOSED + 1;
-  const std::int32_t last_gone = reaches_end ? std::numeric_limits<std::int32_t>::max() : closing.CLOSED;
+    loaded_ += group_.MEMBERS.size();
+    group_.MEMBERS.clear();
+    bound_prefix(area_, length_, loaded_, true);
+  }
+
+  const T_INTENSITY_BOUNDS& intensity_;
+  const T_OWN_RANGES& own_;
+  const double needed_;
+  T_GROUP& group_;
+  double lowest_mean_ = 0;  // of the group
+  double area_ = 0;         // of all groups that are complete
+  double length_;
+  std::size_t loaded_ = 0;
+  T_BOUNDS best_;
+};
+
+T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length, double needed) {
+  if (quick_[side].NOTHING) return {};
+  if (!cut.KNOWN) return NO_BOUNDS;
+  const T_OWN_RANGES own = own_ranges(side, cut);
+  if (!own.ARE_SURE) return NO_BOUNDS;
+  PREFIXES prefixes(*intensity_, vehicle_length, own, needed, group_);
   std::size_t next_own = 0;
   for (const T_RANKED& range : ranges_[side]) {
-    if (range.NUMBER >= first_gone && range.NUMBER <= last_gone) continue;
-    while (next_own < n_own && own[next_own].HIGHEST_MEAN > range.HIGHEST_MEAN) take(own[next_own++]);
-    take(range);
+    if (range.NUMBER >= own.FIRST_GONE && range.NUMBER <= own.LAST_GONE) continue;
+    while (next_own < own.COUNT && own.RANGES[next_own].HIGHEST_MEAN > range.HIGHEST_MEAN) {
+      prefixes.TAKE(own.RANGES[next_own++]);
+    }
+    prefixes.TAKE(range);
   }
-  while (next_own < n_own) take(own[next_own++]);
-  end_group();
-  return best;
+  while (next_own < own.COUNT) prefixes.TAKE(own.RANGES[next_own++]);
+  return prefixes.END();
 }
 
 template bool T_HA_BOUNDS::PREPARE<SIMPLE_LAYOUT>(const T_LINE&, const T_INTENSITY_BOUNDS&, real, double);

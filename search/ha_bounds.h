@@ -17,9 +17,9 @@
 // they form a group: a prefix that ends inside it has at most the areas of its largest and at least the
 // lengths of its shortest.
 //
-// Lines for which this can't be relied on (no ascending or finite positions, very many ranges, values at the
-// ends of the range of single precision) are told apart by PREPARE; whoever asks then takes the plain road.
-// Bounds that can't be had for one placement are infinite.
+// Lines for which this can't be relied on (no ascending or finite positions, values at the ends of the range
+// of single precision) are told apart by PREPARE; whoever asks then takes the plain road. Bounds that can't
+// be had for one placement are infinite.
 #pragma once
 
 #include <array>
@@ -100,8 +100,7 @@ class T_HA_BOUNDS {
                      T_RANGE_WORK& work) const;
   /// Bounds of the magnitude of a side's effect. The lower one is worked out only as far as it can get above
   /// `needed`.
-  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length,
-                               double needed) const noexcept;
+  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length, double needed);
 
  private:
   /// One side behind a number of whole segments.
@@ -120,8 +119,25 @@ class T_HA_BOUNDS {
     double HIGHEST_MEAN = 0;
     std::int32_t NUMBER = 0;  // of the whole line's ranges, from 1
   };
-  static constexpr std::size_t MOST_RANGES = 24;  // of a side of the whole line
-  static constexpr std::size_t MOST_OWN = 3;      // of one placement
+  /// The ranges of a placement that aren't the whole line's, from the highest mean on, and those of the whole
+  /// line that they take the place of.
+  struct T_OWN_RANGES {
+    static constexpr std::size_t MOST = 3;
+    bool ARE_SURE = false;
+    std::size_t COUNT = 0;
+    std::array<T_RANKED, MOST> RANGES;
+    double AREA_ERROR = 0;  // of the joined one
+    double LENGTH_ERROR = 0;
+    std::int32_t FIRST_GONE = 0;
+    std::int32_t LAST_GONE = 0;
+  };
+  class PREFIXES;
+  /// Work lists of PREFIXES.
+  struct T_GROUP {
+    std::vector<const T_RANKED*> MEMBERS;
+    std::vector<double> AREAS;
+    std::vector<double> LENGTHS;
+  };
 
   /// The whole line's stretches from the highest ordinates down to a level: an area has at least the length
   /// that it has if the highest stretches bear it.
@@ -138,6 +154,7 @@ class T_HA_BOUNDS {
   [[nodiscard]] double effect_within(const T_STEP& from, double vehicle, double area,
                                      double length) const noexcept;
   [[nodiscard]] double area_bound(SIDE side, double area, double vehicle_length) const noexcept;
+  [[nodiscard]] T_OWN_RANGES own_ranges(SIDE side, const T_ZONE_CUT& cut) const noexcept;
 
   std::array<std::vector<T_STATE>, N_SIDES> states_;       // by segments passed
   std::array<std::vector<T_OPEN_RANGE>, N_SIDES> closed_;  // the whole line's ranges as they close
@@ -160,6 +177,7 @@ class T_HA_BOUNDS {
   std::int32_t segments_ = 0;
   real short_range_ = 0;
   double sum_error_ = 0;  // of a difference of prefix sums, relative to the whole sum
+  T_GROUP group_;
 };
 
 }  // namespace search

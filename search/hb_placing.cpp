@@ -58,7 +58,7 @@ class HA_ON_LINE {
     return work_.BOUNDS[0].QUICK_BOUND(side, placement.ZONE, static_cast<double>(placement.VEHICLE_LENGTH));
   }
   void CUT(const T_PLACEMENT& placement) { cut_ = work_.BOUNDS[0].CUT<L>(line_, placement.ZONE); }
-  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_PLACEMENT& placement, double needed) const {
+  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_PLACEMENT& placement, double needed) {
     return work_.BOUNDS[0].BOUND(side, cut_, static_cast<double>(placement.VEHICLE_LENGTH), needed);
   }
 
@@ -129,7 +129,7 @@ class HA_ON_PAIR {
       cuts_[parent] = work_.BOUNDS[parent].CUT<L>(lines_[parent], placement.ZONE);
     }
   }
-  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_PLACEMENT& placement, double /*needed*/) const {
+  [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_PLACEMENT& placement, double /*needed*/) {
     const auto length = static_cast<double>(placement.VEHICLE_LENGTH);
     const T_BOUNDS a = work_.BOUNDS[0].BOUND(side, cuts_[0], length, 0);
     const T_BOUNDS b = work_.BOUNDS[1].BOUND(side, cuts_[1], length, 0);
