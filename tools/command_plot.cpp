@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "movload.h"
+#include "tools/drawn_loading.h"
 #include "tools/envelope_question.h"
 #include "tools/gnuplot.h"
-#include "tools/plot_loading.h"
 #include "tools/plot_sheet.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
@@ -161,11 +161,10 @@ T_SHEET make_sheet(const T_PLOT_OPTIONS& options, const T_ENVELOPE_ANSWER& answe
   sheet.title = options.title.empty() ? meaning : options.title;
   sheet.subtitle = fmt::format("{}oving load case {} of {}", options.title.empty() ? "M" : meaning + ", m",
                                report.mv_case, report.cases);
-  for (T_DRAWN_SIDE& drawn : DRAW_ANSWER(answer)) {
+  for (const T_DRAWN_SIDE& drawn : answer.drawn) {
     const bool is_wanted = options.side == "both" || (options.side == "max") == (drawn.side == MAXIMUM);
     if (!is_wanted) continue;
-    std::string words = subheading(report, drawn);
-    sheet.columns.push_back({std::move(drawn), std::move(words)});
+    sheet.columns.push_back({drawn, subheading(report, drawn)});
   }
   sheet.footnotes = footnotes(report, sheet.columns);
   choose_lanes(options.lane, answer.model.COUNTS.NUM_LANE, sheet.columns);
@@ -180,7 +179,7 @@ void check_answer(const T_PLOT_OPTIONS& options, const T_ENVELOPE_ANSWER& answer
         lanes == 0 ? "the model has no lanes" : fmt::format("give a --lane of 1 to {}", lanes));
   }
   const T_ENVELOPE_REPORT& report = answer.report;
-  if (report.sides[MAXIMUM].vehicle_class != 0 || report.sides[MINIMUM].vehicle_class != 0) return;
+  if (report.IS_GOVERNED()) return;
   throw T_TOOL_FAILURE(report.notes.empty()
                            ? "there is no loading to draw: no combination has a value beyond 0"
                            : report.notes.front(),

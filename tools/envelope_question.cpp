@@ -195,6 +195,8 @@ T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
   }
   report.notes = notes_on(question, background, report.sides);
   result.model = std::move(background.model);
+  result.drawn = DRAW_LOADING(report, result.model);
+  for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) TELL_STRETCHES(result.drawn[side], report.sides[side]);
   return result;
 }
 

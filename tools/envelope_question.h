@@ -1,12 +1,14 @@
 // One question to the library, as the commands ask it: the options that make it, and its answer with the
-// tables that a host doesn't get.
+// tables that a host doesn't get and the loading drawn from them.
 #pragma once
 
 #include <CLI/App.hpp>
+#include <array>
 #include <cstdint>
 #include <string>
 
 #include "kernel/run_state.h"
+#include "tools/drawn_loading.h"
 #include "tools/envelope_report.h"
 #include "tools/model_options.h"
 
@@ -26,6 +28,7 @@ void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question);
 struct T_ENVELOPE_ANSWER {
   T_ENVELOPE_REPORT report;
   kernel::T_MODEL model;
+  std::array<T_DRAWN_SIDE, 2> drawn;  // by HOST_SIDE
 };
 
 /// Asks the library as a host does. Throws T_TOOL_FAILURE where it fails.

@@ -45,17 +45,14 @@ void append_indented(T_LINES& lines, const std::vector<std::string>& pieces) {
     lines.push_back(std::string(INDENT, ' ') + line);
 }
 
-/// The loaded ranges as they follow each other along the lane.
-std::vector<std::string> range_pieces(const T_HA_UDL& udl) {
-  std::vector<T_LOADED_RANGE> ranges = udl.ranges;
-  std::ranges::stable_sort(ranges, {}, &T_LOADED_RANGE::start);
-  std::vector<std::string> pieces;
-  pieces.reserve(ranges.size());
-  for (const T_LOADED_RANGE& range : ranges) {
-    pieces.push_back(range.has_distance
-                         ? fmt::format("{} to {}", distance_text(range.start), distance_text(range.end))
-                         : fmt::format("range {} {}", range.number, NO_DISTANCE));
-  }
+/// The loaded stretches as they follow each other along the lane.
+T_LINES stretch_pieces(const T_HA_UDL& udl) {
+  T_LINES pieces;
+  for (const T_STRETCH& stretch : udl.stretches)
+    pieces.push_back(fmt::format("{} to {}", distance_text(stretch.start), distance_text(stretch.end)));
+  if (!pieces.empty()) return pieces;
+  for (const std::int32_t number : udl.range_numbers)
+    pieces.push_back(fmt::format("range {} {}", number, NO_DISTANCE));
   return pieces;
 }
 
@@ -102,10 +99,9 @@ void append_straddling(T_LINES& lines, const T_LANE_SIDE& side) {
 
 void append_udl(T_LINES& lines, const T_HA_UDL& udl) {
   const std::string portion = udl.portion < 1.0 ? fmt::format("{:.4f} x ", udl.portion) : "";
-  const bool has_length = std::ranges::all_of(udl.ranges, &T_LOADED_RANGE::has_distance);
-  const std::string length = has_length ? " over " + distance_text(udl.loaded_length) : "";
+  const std::string length = udl.stretches.empty() ? "" : " over " + distance_text(udl.loaded_length);
   lines.push_back(fmt::format("UDL {}{:.3f} kN/m{}", portion, udl.intensity, length));
-  append_indented(lines, range_pieces(udl));
+  append_indented(lines, stretch_pieces(udl));
 }
 
 T_LINES lane_lines(const T_LANE_SIDE& side, std::optional<double> kel_load) {
@@ -188,19 +184,17 @@ ordered_json place_json(const T_PLACE& place) {
 }
 
 ordered_json udl_json(const T_HA_UDL& udl) {
-  ordered_json ranges = ordered_json::array();
-  for (const T_LOADED_RANGE& range : udl.ranges) {
-    ordered_json json{{"number", range.number}, {"start", nullptr}, {"end", nullptr}};
-    if (range.has_distance) {
-      json["start"] = range.start;
-      json["end"] = range.end;
-    }
-    ranges.push_back(std::move(json));
-  }
-  return {{"intensity", udl.intensity},
-          {"portion", udl.portion},
-          {"loaded_length", udl.loaded_length},
-          {"ranges", std::move(ranges)}};
+  ordered_json json{{"intensity", udl.intensity},
+                    {"portion", udl.portion},
+                    {"loaded_length", nullptr},
+                    {"stretches", nullptr},
+                    {"range_numbers", udl.range_numbers}};
+  if (udl.stretches.empty()) return json;
+  json["loaded_length"] = udl.loaded_length;
+  json["stretches"] = ordered_json::array();
+  for (const T_STRETCH& stretch : udl.stretches)
+    json["stretches"].push_back({{"start", stretch.start}, {"end", stretch.end}});
+  return json;
 }
 
 ordered_json pass_json(PASS pass) {
@@ -275,9 +269,7 @@ std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
                             report.combinations, report.combinations == 1 ? "" : "s")
               : fmt::format("Moving load case {}: not in the files\n\n", report.mv_case);
   text += side_by_side({}, head_lines(report));
-  const bool is_governed =
-      report.sides[MAXIMUM].vehicle_class != 0 || report.sides[MINIMUM].vehicle_class != 0;
-  if (!is_governed) return text;
+  if (!report.IS_GOVERNED()) return text;
   const std::vector<T_LANE_SIDE>& max_lanes = report.sides[MAXIMUM].lanes;
   const std::vector<T_LANE_SIDE>& min_lanes = report.sides[MINIMUM].lanes;
   for (std::size_t lane = 0; lane < max_lanes.size(); ++lane) {
@@ -285,8 +277,9 @@ std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
         rule() + side_by_side(lane_label(max_lanes[lane]), {lane_lines(max_lanes[lane], report.kel_load),
                                                             lane_lines(min_lanes[lane], report.kel_load)});
   }
-  text += rule() +
-          "UDL: intensity over the loaded length, and the loaded ranges of the lane. KEL: knife-edge load.\n";
+  text +=
+      rule() +
+      "UDL: intensity over the loaded length, and the loaded stretches of the lane. KEL: knife-edge load.\n";
   const auto says = [&text](std::string_view word) { return text.find(word) != std::string::npos; };
   if (says("clear ")) text += HB_MEANING;
   if (says("on plane ")) text += PLANE_MEANING;

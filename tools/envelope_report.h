@@ -28,6 +28,10 @@ struct T_ENVELOPE_REPORT {
   std::array<std::string, 2> vehicle_names;  // of the sides' vehicle classes
   std::optional<double> kel_load;            // kN, where all vehicles of the model agree on it
   std::vector<std::string> notes;            // what the user should know beside the answer
+
+  [[nodiscard]] bool IS_GOVERNED() const noexcept {
+    return sides[MAXIMUM].vehicle_class != 0 || sides[MINIMUM].vehicle_class != 0;
+  }
 };
 
 /// Maximum and minimum side by side, lane by lane, at most 100 columns wide. Without the notes.

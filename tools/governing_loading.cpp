@@ -4,7 +4,6 @@
 #include <span>
 
 #include "movload.h"
-#include "search/trimming.h"
 #include "tools/text_layout.h"
 
 namespace tools {
@@ -12,7 +11,6 @@ namespace {
 
 using T_RECORD_VIEW = std::span<const std::int32_t>;
 using T_NUMBERS = std::span<const std::int32_t>;
-using T_DISTANCES = std::span<const float>;
 
 constexpr double ONE_THIRD = 0.3333;  // as the search takes it
 
@@ -36,50 +34,16 @@ T_PLACE place_of(std::int32_t point, const search::T_LANE& lane) {
 
 // ------------------------------------------------------------------------------------------ the HA UDL
 
-T_LOADED_RANGE loaded_range(std::int32_t number, T_DISTANCES distances) {
-  T_LOADED_RANGE range;
-  range.number = number;
-  const std::size_t pairs = distances.size() / 2;
-  if (number < 1 || static_cast<std::size_t>(number) > pairs) return range;
-  const std::size_t at = 2 * static_cast<std::size_t>(number - 1);
-  range.start = static_cast<double>(distances[at]);
-  range.end = static_cast<double>(distances[at + 1]);
-  range.has_distance = range.end > range.start;  // zeros stand behind the last range
-  return range;
-}
-
-std::optional<T_HA_UDL> udl_of(T_RECORD_VIEW record, T_NUMBERS numbers, T_DISTANCES distances) {
+std::optional<T_HA_UDL> udl_of(T_RECORD_VIEW record, T_NUMBERS numbers) {
   constexpr double INTENSITY_UNIT = 1000.0;
   if (record[MOVLOAD_W_HA_UDL] == 0) return std::nullopt;
   T_HA_UDL udl;
   udl.intensity = record[MOVLOAD_W_HA_UDL] / INTENSITY_UNIT;
   const auto in_use = static_cast<std::size_t>(std::max(record[MOVLOAD_NO_LOADED_RANGE], 0));
   for (const std::int32_t number : numbers.first(std::min(in_use, numbers.size()))) {
-    if (number == 0) continue;  // left where ranges were joined across an HB
-    const T_LOADED_RANGE range = loaded_range(number, distances);
-    if (range.has_distance) udl.loaded_length += range.end - range.start;
-    udl.ranges.push_back(range);
+    if (number != 0) udl.range_numbers.push_back(number);  // 0 is left where ranges were joined across an HB
   }
   return udl;
-}
-
-/// The same with the stretch of an HB taken out of the ranges, where the library hasn't done so.
-std::optional<T_HA_UDL> udl_beside(const T_HB& hb, T_RECORD_VIEW record, T_NUMBERS numbers,
-                                   T_DISTANCES distances) {
-  search::T_REPORTED_RANGES ranges;
-  for (std::size_t pair = 0; pair < ranges.PAIRS.size(); ++pair)
-    ranges.PAIRS[pair] = {distances[2 * pair], distances[2 * pair + 1]};
-  ranges.NUMBERS.assign(numbers.begin(), numbers.begin() + search::MAX_LOADED);
-  ranges.NO_LOADED_RANGE = record[MOVLOAD_NO_LOADED_RANGE];
-  search::TRIM_LOADED_RANGES(static_cast<real>(hb.clear_end), static_cast<real>(hb.clear_start), ranges);
-  std::vector<std::int32_t> trimmed_record(record.begin(), record.end());
-  trimmed_record[MOVLOAD_NO_LOADED_RANGE] = ranges.NO_LOADED_RANGE;
-  std::vector<float> trimmed;
-  for (const auto& [start, end] : ranges.PAIRS) {
-    trimmed.push_back(start);
-    trimmed.push_back(end);
-  }
-  return udl_of(trimmed_record, ranges.NUMBERS, trimmed);
 }
 
 // ------------------------------------------------------------------------------------------ the HB
@@ -145,8 +109,7 @@ T_LANE_SIDE read_lane(const T_HOST_SIDE_ARRAYS& arrays, const T_RECORD_TABLES& t
   side.loading.hb = hb_of(record, side, lane, tables);
   if (lane.IS_STRADDLE) return side;
 
-  side.loading.udl = udl_of(record, of_lane(arrays.ranges, at, MOVLOAD_RANGE_NUMBERS),
-                            of_lane(arrays.distances, at, MOVLOAD_RANGE_DISTANCES));
+  side.loading.udl = udl_of(record, of_lane(arrays.ranges, at, MOVLOAD_RANGE_NUMBERS));
   if (record[MOVLOAD_POS_OF_HA_KEL] != 0) side.kel = place_of(record[MOVLOAD_POS_OF_HA_KEL], lane);
   const bool is_loaded = side.loading.factor != 0.0 || side.loading.udl || side.loading.hb || side.kel;
   // An HA lane has a forward pass in its record whatever it adds; an HB that adds nothing stands nowhere and
@@ -220,12 +183,9 @@ class STRADDLE_READER {
     told.loading.factor = side_.loading.factor;
     told.loading.hb.reset();  // it stands in the straddle lane
     if (!by_parent) {
-      // One list for both, of the ranges of the parents' lines added up, of which nobody has distances.
-      told.loading.udl = udl_of(side_.record, of_lane(arrays_.ranges, at_, MOVLOAD_RANGE_NUMBERS), {});
+      told.loading.udl = udl_of(side_.record, of_lane(arrays_.ranges, at_, MOVLOAD_RANGE_NUMBERS));
     } else if (!is_folded) {
-      const T_DISTANCES distances = of_lane(arrays_.distances, number - 1, MOVLOAD_RANGE_DISTANCES);
-      told.loading.udl =
-          udl_beside(*side_.loading.hb, plane_record(parent), plane_numbers(parent), distances);
+      told.loading.udl = udl_of(plane_record(parent), plane_numbers(parent));
     }
     if (told.loading.udl) told.loading.udl->portion = side_.parent_portions[parent];
   }

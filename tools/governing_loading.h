@@ -3,11 +3,8 @@
 // A straddling HB has a lane of its own in the records. Here that lane holds the vehicle alone; the HA UDL
 // beside it is told of the two parent lanes, on which it stands.
 //
-// A loaded range is named by its number among the ranges that the search cut. The list of distances counts
-// its ranges by points, and joins two that meet in a single point at 0 where the search parts them. On a lane
-// with such a point the numbers run apart, and a distance can belong to a neighbouring range. So it can
-// beside an HB, where the search counts ranges across the clear stretch otherwise than the reworked list
-// does (docs/records.md). The ranges are told here as the records have them.
+// The records number the loaded ranges, and the numbers don't always lead to the right pair in the list of
+// distances (docs/records.md). Where the UDL stands is told by drawing it (tools/drawn_loading.h).
 #pragma once
 
 #include <array>
@@ -30,9 +27,7 @@ enum class CARRIES : std::uint8_t { NOTHING, HA, HB, STRADDLING_HB, UDL_BESIDE_H
 
 enum class PASS : std::uint8_t { NONE = 0, FORWARD = 1, REVERSE = 2 };
 
-struct T_LOADED_RANGE {
-  std::int32_t number = 0;
-  bool has_distance = false;  // false: the list of distances has no such range
+struct T_STRETCH {
   double start = 0.0;
   double end = 0.0;
 };
@@ -44,10 +39,11 @@ struct T_PLACE {
 };
 
 struct T_HA_UDL {
-  double intensity = 0.0;              // kN/m, for the loaded length
-  double portion = 1.0;                // of it that acts: 1, or 0.3333 on one parent lane of a straddling HB
-  std::vector<T_LOADED_RANGE> ranges;  // in the order in which the records name them
-  double loaded_length = 0.0;          // of the ranges with a distance
+  double intensity = 0.0;                   // kN/m, for the loaded length
+  double portion = 1.0;                     // of it that acts: 1, or 0.3333 beside a straddling HB
+  std::vector<std::int32_t> range_numbers;  // of the loaded ranges, as the records name them
+  std::vector<T_STRETCH> stretches;         // that they are, along the lane; empty where that isn't known
+  double loaded_length = 0.0;               // of the stretches
 };
 
 struct T_AXLE {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/plot_loading.h"
+#include "tools/drawn_loading.h"
 
 namespace tools {
 

@@ -22,7 +22,6 @@ struct HOST_ARRAYS {
     side.plane_records.fill(side.records);
     side.ranges.assign(MOVLOAD_RANGE_NUMBERS * count, 0);
     side.plane_ranges.fill(side.ranges);
-    side.distances.assign(MOVLOAD_RANGE_DISTANCES * count, 0.0F);
   }
   [[nodiscard]] T_SIDE_LOADING LOADING() const {
     search::T_VEHICLE_PARAMETERS vehicle;
@@ -33,16 +32,9 @@ struct HOST_ARRAYS {
     return GOVERNING_LOADING(side, {lanes, {.POINTS_PER_SEGMENT = 3}, vehicle});
   }
 
-  /// The distance list of a lane.
-  [[nodiscard]] auto DISTANCES(std::size_t lane) {
-    return side.distances.begin() + static_cast<std::ptrdiff_t>((lane - 1) * MOVLOAD_RANGE_DISTANCES);
-  }
-
   std::vector<search::T_LANE> lanes;
   T_HOST_SIDE_ARRAYS side;
 };
-
-using T_DISTANCE_PAIR = std::array<float, 2>;
 
 void RECORD(std::vector<std::int32_t>& records, std::size_t lane,
             std::initializer_list<std::int32_t> record) {
@@ -50,17 +42,12 @@ void RECORD(std::vector<std::int32_t>& records, std::size_t lane,
                     records.begin() + static_cast<std::ptrdiff_t>((lane - 1) * MOVLOAD_RECORD_FIELDS));
 }
 
-TEST(GoverningLoading, ARangeThatTheDistancesDontListHasItsNumberAlone) {
+TEST(GoverningLoading, AnHaLaneHasTheNumbersOfItsRangesAndThePlaceOfItsKnifeEdge) {
   HOST_ARRAYS arrays(1);
   RECORD(arrays.side.records, 1, {1, 30000, 3, 0, 0, 10000000, 0, 9, 101, 0});
   std::ranges::copy(std::array{1, 2, 101}, arrays.side.ranges.begin());
-  std::ranges::copy(std::array{0.0F, 10.0F}, arrays.side.distances.begin());
   const T_LANE_SIDE lane = arrays.LOADING().lanes.at(0);
-  ASSERT_EQ(lane.loading.udl->ranges.size(), 3U);
-  EXPECT_TRUE(lane.loading.udl->ranges[0].has_distance);
-  EXPECT_FALSE(lane.loading.udl->ranges[1].has_distance);
-  EXPECT_FALSE(lane.loading.udl->ranges[2].has_distance);
-  EXPECT_DOUBLE_EQ(lane.loading.udl->loaded_length, 10.0);
+  EXPECT_EQ(lane.loading.udl->range_numbers, (std::vector{1, 2, 101}));
   EXPECT_EQ(lane.kel->point, 9);
   EXPECT_FALSE(lane.kel->distance);  // the lane has five points
 }
@@ -79,8 +66,6 @@ TEST(GoverningLoading, AnHbLaneHasTypePlaceDirectionAndAxles) {
   RECORD(arrays.side.records, 2, {1, 0, 0, 0, 0, 10000000, 1, 0, 2, 0});
   // Two ranges joined into one across the HB, then split by it.
   std::ranges::copy(std::array{1, 0, 100}, arrays.side.ranges.begin());
-  std::ranges::copy(std::array{2.0F, 5.0F}, arrays.side.distances.begin());
-  std::ranges::copy(std::array{30.0F, 40.0F}, arrays.side.distances.begin() + 198);
   T_SIDE_LOADING side = arrays.LOADING();
   EXPECT_EQ(side.lanes[0].carries, CARRIES::HB);
   const T_HB hb = *side.lanes[0].loading.hb;
@@ -91,8 +76,7 @@ TEST(GoverningLoading, AnHbLaneHasTypePlaceDirectionAndAxles) {
   EXPECT_EQ(AXLES(hb), (std::vector{-9.6F, -7.8F, 3.2F, 5.0F}));
   EXPECT_DOUBLE_EQ(hb.clear_start, -34.6);
   EXPECT_DOUBLE_EQ(hb.clear_end, 30.0);
-  EXPECT_EQ(side.lanes[0].loading.udl->ranges.size(), 2U);
-  EXPECT_DOUBLE_EQ(side.lanes[0].loading.udl->loaded_length, 13.0);
+  EXPECT_EQ(side.lanes[0].loading.udl->range_numbers, (std::vector{1, 100}));
   // Loaded, but without a pass: an HB that adds nothing and stands nowhere.
   EXPECT_EQ(side.lanes[1].carries, CARRIES::HB);
   EXPECT_FALSE(side.lanes[1].loading.hb);
@@ -120,24 +104,18 @@ TEST(GoverningLoading, AStraddlingHbWithAPortionForEachParentIsToldOnceAndItsUdl
   RECORD(arrays.side.records, 3, {1, 0, 0, 0, 0, 0, 0, 0, 100, 0});
   RECORD(arrays.side.plane_records[0], 3, {1, 30000, 1, 1, 4, 10000000, 30011});
   RECORD(arrays.side.plane_records[1], 3, {1, 10000, 1, 1, 4, 10000000, 30010});
-  const std::array parents{T_DISTANCE_PAIR{100.0F, 200.0F}, T_DISTANCE_PAIR{60.0F, 100.0F}};
-  for (std::size_t parent = 0; parent < 2; ++parent) {
-    arrays.side.plane_ranges[parent][2 * MOVLOAD_RANGE_NUMBERS] = 1;
-    std::ranges::copy(parents[parent], arrays.DISTANCES(parent + 1));
-  }
+  for (std::vector<std::int32_t>& numbers : arrays.side.plane_ranges) numbers[2 * MOVLOAD_RANGE_NUMBERS] = 2;
   for (const bool is_folded : {true, false}) {
     SCOPED_TRACE(is_folded);
     if (is_folded) {
       RECORD(arrays.side.records, 1, {1, 30000, 1, 1, 5, 10000000, 30011, 0, 104, 0});
       RECORD(arrays.side.records, 2, {1, 10000, 1, 1, 5, 10000000, 30010, 0, 104, 0});
-      arrays.side.ranges[0] = arrays.side.ranges[MOVLOAD_RANGE_NUMBERS] = 1;
-      std::ranges::copy(std::array{89.6F, 100.0F}, arrays.DISTANCES(2));
+      arrays.side.ranges[0] = arrays.side.ranges[MOVLOAD_RANGE_NUMBERS] = 2;
     } else {
       // One parent without UDL: the library leaves the parents alone.
       arrays.side.plane_records[0][2 * MOVLOAD_RECORD_FIELDS + 1] = 0;
       RECORD(arrays.side.records, 1, {1, 0, 0, 0, 0, 0, 0, 0, 1, 0});
       RECORD(arrays.side.records, 2, {1, 0, 0, 0, 0, 0, 0, 0, 1, 0});
-      std::ranges::copy(parents[1], arrays.DISTANCES(2));
     }
     const T_SIDE_LOADING side = arrays.LOADING();
     EXPECT_EQ(side.lanes[2].carries, CARRIES::STRADDLING_HB);
@@ -155,7 +133,7 @@ TEST(GoverningLoading, AStraddlingHbWithAPortionForEachParentIsToldOnceAndItsUdl
     ASSERT_TRUE(side.lanes[1].loading.udl);
     EXPECT_DOUBLE_EQ(side.lanes[1].loading.udl->intensity, 10.0);
     EXPECT_DOUBLE_EQ(side.lanes[1].loading.udl->portion, 0.3333);
-    EXPECT_NEAR(side.lanes[1].loading.udl->ranges.at(0).start, 89.6, 1e-4);
+    EXPECT_EQ(side.lanes[1].loading.udl->range_numbers, std::vector{2});
   }
 }
 
@@ -169,7 +147,7 @@ TEST(GoverningLoading, AStraddlingHbWithFullUdlOnBothParentsGivesThemOneListOfRa
   EXPECT_EQ(side.lanes[2].parent_portions, (std::array{1.0, 1.0}));
   EXPECT_EQ(side.lanes[0].carries, CARRIES::UDL_BESIDE_HB);
   EXPECT_DOUBLE_EQ(side.lanes[1].loading.udl->intensity, 30.0);
-  EXPECT_EQ(side.lanes[1].loading.udl->ranges.size(), 2U);
+  EXPECT_EQ(side.lanes[1].loading.udl->range_numbers, (std::vector{1, 2}));
 }
 
 }  // namespace

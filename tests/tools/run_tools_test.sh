@@ -96,7 +96,7 @@ expect 0 envelope $bridge --kind 12 --id 3 --item 3 --case 1 --json
 json "answer['maximum']['value'] > 0 > answer['minimum']['value']"
 json "sorted(round(l['factor'], 6) for l in answer['maximum']['lanes']) == [0, 0.333333, 1, 1]"
 json "all([l['carries'] for l in answer[s]['lanes']] == ['HA', 'HA', 'HA', 'nothing'] for s in ('maximum', 'minimum'))"
-json "all(79.9 < r['start'] < r['end'] < 150.1 for s in ('maximum', 'minimum') for l in answer[s]['lanes'][:3] for r in l['udl']['ranges'])"
+json "all(79.9 < r['start'] < r['end'] < 150.1 for s in ('maximum', 'minimum') for l in answer[s]['lanes'][:3] for r in l['udl']['stretches'])"
 json "all(abs(l['kel']['distance'] - 115) < 1 for l in answer['maximum']['lanes'][:3])"
 
 # Beams: shear at midspan, whose line jumps, in figures and in a picture.
@@ -129,7 +129,7 @@ expect 0 example "a folder" --which span --span 25
 says out "3093.75"
 expect 0 envelope "a folder/span" --kind simb --id 1 --item 1 --case 1 --json
 json "abs(answer['maximum']['value'] - 3093.75) < 0.01 and answer['minimum']['value'] == 0"
-json "answer['maximum']['lanes'][0]['udl'] == {'intensity': 30.0, 'portion': 1.0, 'loaded_length': 25.0, 'ranges': [{'number': 1, 'start': 0.0, 'end': 25.0}]}"
+json "answer['maximum']['lanes'][0]['udl'] == {'intensity': 30.0, 'portion': 1.0, 'loaded_length': 25.0, 'stretches': [{'start': 0.0, 'end': 25.0}], 'range_numbers': [1]}"
 json "answer['maximum']['lanes'][0]['kel'] == {'load': 120.0, 'point': 26, 'distance': 12.5}"
 json "not answer['minimum']['governed']"
 expect 0 envelope "a folder/span" --kind simb --id 1 --item 2 --case 1 --json
@@ -137,6 +137,7 @@ json "abs(answer['maximum']['value'] - 495) < 0.001"
 expect 0 example . --which two-span --span 20,30
 expect 0 envelope two_span --kind simb --id 1 --item 1 --case 1
 says out "no combination goes above 0"
+says out " 0.000 to 50.000"
 
 # Pictures, with names and titles that mean something to a shell, to gnuplot and to XML.
 title="it's \$(touch pwned) \`touch pwned\` {/:Bold x}_1 & <b>"

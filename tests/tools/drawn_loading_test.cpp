@@ -1,5 +1,5 @@
 // What is drawn of a governing loading, added up by hand, must be the value that governs.
-#include "tools/plot_loading.h"
+#include "tools/drawn_loading.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +10,7 @@
 #include "modelkit/model_writer.h"
 #include "modelkit/random_model.h"
 #include "tests/temporary_directory.h"
+#include "tools/envelope_question.h"
 #include "tools/plot_canvas.h"
 
 namespace tools {
@@ -31,7 +32,7 @@ void add_beam(modelkit::T_MODEL& model) {
   model.beams = {beam};
 }
 
-TEST(PlotLoading, DrawnLoadsAddUpToTheValue) {
+TEST(DrawnLoading, AddsUpToTheValueAndTellsWhereEveryUdlStands) {
   const TEMPORARY_DIRECTORY directory;
   modelkit::T_RANDOM_OPTIONS options;
   options.max_classes = 1;
@@ -46,20 +47,52 @@ TEST(PlotLoading, DrawnLoadsAddUpToTheValue) {
     modelkit::T_MODEL model = modelkit::RANDOM_MODEL(random, options);
     add_beam(model);
     modelkit::WRITE_MODEL(model, directory.NAME());
-    T_ENVELOPE_QUESTION question{{directory.NAME(), std::nullopt}, "disp", model.disp.front().id, 3, 1};
-    if (seed % 3 == 0) question = {question.model, "beam", 1, 8, 1};
+    const bool is_beam = seed % 3 == 0;
+    T_ENVELOPE_QUESTION question;
+    question.model.base = directory.NAME();
+    question.kind = is_beam ? "beam" : "disp";
+    question.id = is_beam ? 1 : model.disp.front().id;
+    question.item = is_beam ? 8 : 3;
+    question.mv_case = 1;
     for (; question.mv_case <= static_cast<std::int32_t>(model.moving_load_cases.size());
          ++question.mv_case) {
       const T_ENVELOPE_ANSWER answer = ANSWER_TO(question);
-      for (const T_DRAWN_SIDE& drawn : DRAW_ANSWER(answer)) {
+      for (const T_DRAWN_SIDE& drawn : answer.drawn) {
         if (!tells_all(answer.report.sides[drawn.side])) continue;
         EXPECT_TRUE(drawn.ADDS_UP()) << "model " << seed << ", case " << question.mv_case << ", side "
                                      << drawn.side;
         for (const T_DRAWN_LANE& lane : drawn.lanes) vehicles += lane.hb ? 1 : 0;
+        for (const T_LANE_SIDE& lane : answer.report.sides[drawn.side].lanes) {
+          EXPECT_TRUE(!lane.loading.udl || !lane.loading.udl->stretches.empty())
+              << "model " << seed << ", case " << question.mv_case << ", lane " << lane.lane;
+        }
       }
     }
   }
   EXPECT_GT(vehicles, 50);
+}
+
+TEST(DrawnLoading, StretchesAreToldWhereTheyAgreeWithTheRecordsAlone) {
+  T_DRAWN_SIDE drawn;
+  drawn.value = 60.0;
+  drawn.lanes.resize(1);
+  drawn.lanes[0].lane = 1;
+  drawn.lanes[0].carries = CARRIES::HA;
+  drawn.lanes[0].effect = 60.0;
+  drawn.lanes[0].udl = {30.0, {{2.0, 4.0}}, 2.0, 0.0, 2.0};
+  const auto told = [&drawn](double intensity) {
+    T_SIDE_LOADING loading;
+    loading.lanes.resize(1);
+    loading.lanes[0].lane = 1;
+    loading.lanes[0].carries = CARRIES::HA;
+    loading.lanes[0].loading.udl.emplace().intensity = intensity;
+    TELL_STRETCHES(drawn, loading);
+    return loading.lanes[0].loading.udl->stretches.size();
+  };
+  EXPECT_EQ(told(30.0), 1U);
+  EXPECT_EQ(told(29.999), 0U);
+  drawn.value = 61.0;
+  EXPECT_EQ(told(30.0), 0U);
 }
 
 TEST(PlotCanvas, TextsReachGnuplotAsTheyAre) {

@@ -1,4 +1,4 @@
-// What a drawing of a governing loading needs: each lane's influence line, and on it the loads of one side.
+// A governing loading as it is drawn: each lane's influence line, and on it the loads of one side.
 //
 // The records of a run name loaded ranges by numbers that don't always lead back to a place, as
 // docs/records.md tells. So the HA search is run once more on each line, beside the HB where one stands, and
@@ -11,7 +11,8 @@
 #include <optional>
 #include <vector>
 
-#include "tools/envelope_question.h"
+#include "kernel/run_state.h"
+#include "tools/envelope_report.h"
 #include "tools/governing_loading.h"
 #include "tools/host_run.h"
 
@@ -25,11 +26,6 @@ struct T_LINE_POINT {
 };
 using T_INFLUENCE_LINE = std::vector<T_LINE_POINT>;
 
-struct T_STRETCH {
-  double start = 0.0;
-  double end = 0.0;
-};
-
 /// The part of a line over a stretch, its ends interpolated.
 [[nodiscard]] T_INFLUENCE_LINE PART_OF(const T_INFLUENCE_LINE& line, const T_STRETCH& stretch);
 
@@ -38,7 +34,7 @@ struct T_STRETCH {
 
 struct T_DRAWN_UDL {
   double intensity = 0.0;            // kN/m
-  std::vector<T_STRETCH> stretches;  // along the lane, none twice
+  std::vector<T_STRETCH> stretches;  // along the lane, with gaps between them
   double loaded_length = 0.0;        // of them all
   double vehicle_length = 0.0;       // of an HB, which counts as loaded length too
   double area = 0.0;                 // of the line over them
@@ -87,15 +83,21 @@ struct T_DRAWN_SIDE {
   HOST_SIDE side = MAXIMUM;
   double value = 0.0;
   bool governed = false;  // false: no combination has a value beyond 0, and no lane is loaded
-  // All lanes of the model, by number. A parent lane with loads of its own beside a straddling HB stands twice.
+  // All lanes of the model, by number. A parent lane with loads of its own beside a straddling HB stands
+  // twice.
   std::vector<T_DRAWN_LANE> lanes;
 
   /// Whether the loads that are drawn add up to the value.
   [[nodiscard]] bool ADDS_UP() const;
 };
 
-/// Both sides of an answer, by HOST_SIDE. Reads the files once more, and throws T_TOOL_FAILURE where they
-/// can't be read.
-[[nodiscard]] std::array<T_DRAWN_SIDE, 2> DRAW_ANSWER(const T_ENVELOPE_ANSWER& answer);
+/// Both sides of a report, by HOST_SIDE; without lanes where neither is governed. Reads the response once
+/// more, and throws T_TOOL_FAILURE where it can't be read.
+[[nodiscard]] std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report,
+                                                       const kernel::T_MODEL& model);
+
+/// Gives the UDL of each lane the stretches that are drawn. Where the drawing isn't that of the records, in
+/// the value of the side or in the intensity on the lane, the UDL stays without.
+void TELL_STRETCHES(const T_DRAWN_SIDE& drawn, T_SIDE_LOADING& loading);
 
 }  // namespace tools

@@ -1,4 +1,4 @@
-#include "tools/plot_loading.h"
+#include "tools/drawn_loading.h"
 
 #include <algorithm>
 #include <cmath>
@@ -219,6 +219,21 @@ double area_over(const T_INFLUENCE_LINE& line, const T_STRETCH& stretch) {
   return area;
 }
 
+/// Puts stretches in order, and makes those one that meet where the line touches 0.
+void join(T_STRETCHES& stretches) {
+  constexpr double ROUNDING = 1e-6;
+  std::ranges::sort(stretches, {}, &T_STRETCH::start);
+  T_STRETCHES joined;
+  for (const T_STRETCH& next : stretches) {
+    if (!joined.empty() && next.start - joined.back().end <= ROUNDING) {
+      joined.back().end = next.end;
+    } else {
+      joined.push_back(next);
+    }
+  }
+  stretches = std::move(joined);
+}
+
 // ------------------------------------------------------------------------------------------ one side
 
 class SIDE_DRAWER {
@@ -317,8 +332,8 @@ class SIDE_DRAWER {
     if (drawn.kel->ordinate == 0.0) drawn.kel.reset();
   }
 
-  /// The UDL that the search finds on `searched`, standing on `own`; the two differ where both parent lanes of
-  /// a straddling HB carry the same ranges.
+  /// The UDL that the search finds on `searched`, standing on `own`; the two differ where both parent lanes
+  /// of a straddling HB carry the same ranges.
   std::optional<T_DRAWN_UDL> udl_beside(const T_PASS& pass, const T_ORDINATES& searched,
                                         const T_ORDINATES& own) {
     const search::T_LINE searched_line = pass.lines.LINE(searched);
@@ -355,7 +370,7 @@ class SIDE_DRAWER {
         udl.area += area_over(line, piece);
       }
     }
-    std::ranges::sort(udl.stretches, {}, &T_STRETCH::start);
+    join(udl.stretches);
     return udl;
   }
 
@@ -412,6 +427,7 @@ class SIDE_DRAWER {
     constexpr std::size_t FIRST_PARENT_PLANE = 1;
     const bool by_parent = lane_side.parent_portions[0] != lane_side.parent_portions[1];
     const std::vector<T_ORDINATES>& planes = pass.lines.PLANES;
+    if (planes.size() < FIRST_PARENT_PLANE + lane_side.parents.size()) return;
     const T_ORDINATES both = sum_of(planes[FIRST_PARENT_PLANE], planes[FIRST_PARENT_PLANE + 1]);
     for (std::size_t parent = 0; parent < lane_side.parents.size(); ++parent) {
       T_DRAWN_LANE drawn;
@@ -488,8 +504,14 @@ bool T_DRAWN_SIDE::ADDS_UP() const {
   return std::fabs(sum - value) <= ROUNDING * std::fabs(value);
 }
 
-std::array<T_DRAWN_SIDE, 2> DRAW_ANSWER(const T_ENVELOPE_ANSWER& answer) {
-  const T_ENVELOPE_REPORT& report = answer.report;
+std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report, const kernel::T_MODEL& model) {
+  std::array<T_DRAWN_SIDE, 2> sides;
+  for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
+    sides[side].side = side;
+    sides[side].value = report.values[side];
+    sides[side].governed = report.sides[side].vehicle_class != 0;
+  }
+  if (!report.IS_GOVERNED()) return sides;
   kernel::T_REQUEST request;
   request.FILE_NAME = report.file.file_name;
   request.ANALYSIS_CODE = report.file.analysis_code;
@@ -498,22 +520,31 @@ std::array<T_DRAWN_SIDE, 2> DRAW_ANSWER(const T_ENVELOPE_ANSWER& answer) {
   request.RESULT_ITEM = report.item;
   kernel::RECORD_FILE unit;
   results::T_RESPONSE response;
-  const STATUS status =
-      results::READ_RESPONSE(answer.model, request, kernel::COMPONENT_OF(request), unit, response);
+  const STATUS status = results::READ_RESPONSE(model, request, kernel::COMPONENT_OF(request), unit, response);
   if (!status.OK()) {
     const std::string line = FAILURE_LINE(status, report.file.file_name);
     throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
   }
   const ROW_LAYOUT layout = response.FAMILY == nullptr ? ROW_LAYOUT::SIMPLE : response.FAMILY->LAYOUT;
-  const T_LINE_SOURCE source{answer.model, response.LOAD_ORD, layout};
-  std::array<T_DRAWN_SIDE, 2> sides;
-  for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
-    sides[side].side = side;
-    sides[side].value = report.values[side];
-    sides[side].governed = report.sides[side].vehicle_class != 0;
-    SIDE_DRAWER(source, report.sides[side], sides[side]).RUN();
-  }
+  const T_LINE_SOURCE source{model, response.LOAD_ORD, layout};
+  for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) SIDE_DRAWER(source, report.sides[side], sides[side]).RUN();
   return sides;
+}
+
+void TELL_STRETCHES(const T_DRAWN_SIDE& drawn, T_SIDE_LOADING& loading) {
+  if (!drawn.ADDS_UP()) return;
+  for (T_LANE_SIDE& told : loading.lanes) {
+    if (!told.loading.udl) continue;
+    const auto is_told = [&told](const T_DRAWN_LANE& lane) {
+      return lane.lane == told.lane && lane.carries == told.carries &&
+             lane.straddle_lane == told.straddle_lane;
+    };
+    const auto lane = std::ranges::find_if(drawn.lanes, is_told);
+    T_HA_UDL& udl = *told.loading.udl;
+    if (lane == drawn.lanes.end() || !lane->udl || lane->udl->intensity != udl.intensity) continue;
+    udl.stretches = lane->udl->stretches;
+    udl.loaded_length = lane->udl->loaded_length;
+  }
 }
 
 }  // namespace tools
