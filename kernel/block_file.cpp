@@ -58,9 +58,9 @@ T_BLOCK find_block(RECORD_FILE& unit, const std::string& file_name, std::int32_t
     return ends_with(FIND_STATUS::NOT_OPENED);
   }
 
-  // A chain that comes to a header again, or visits more than the file could hold, runs in a circle. The
-  // header that is remembered moves on at every doubling of the way, so that a circle is found within a few
-  // rounds.
+  // A chain that comes to a header again, or visits more than the file could hold,
+  // runs in a circle. The header that is remembered moves on at every
+  // doubling of the way, so that a circle is found within a few rounds.
   constexpr std::int64_t GROUP_RECORDS = 1 + ENTRIES_PER_HEADER;
   const std::int64_t most_headers = unit.FILE_BYTES() / (GROUP_RECORDS * VERSION::RECORD_BYTES) + 1;
   std::int64_t headers = 0;

@@ -63,16 +63,16 @@ struct T_BLOCK {
 /// Which lookup the readers call: 1 FIND_BLOCK, 0 FIND_BLOCK_V1.
 enum class DIRECTORY_VERSION : std::int32_t { V1 = 0, V2 = 1 };
 
-/// One block while it is read: its records are numbered from 1 here, and every failure names block and
-/// record. The reader is a view of the unit that the lookup left connected; a lookup on the same unit ends
-/// it.
+/// One block while it is read: its records are numbered from 1 here,
+/// and every failure names block and record. The reader is a view of the unit
+/// that the lookup left connected; a lookup on the same unit ends it.
 class BLOCK_READER {
  public:
   BLOCK_READER() = default;
 
-  /// Looks the block up. OK with FOUND() false where the directory is sound but has no such block; every
-  /// other failed lookup is a failure, so that a damaged directory never passes for a model without the
-  /// block.
+  /// Looks the block up. OK with FOUND() false where the directory is sound
+  /// but has no such block; every other failed lookup is a failure,
+  /// so that a damaged directory never passes for a model without the block.
   STATUS OPEN(RECORD_FILE& unit, const std::string& file_name, std::string_view tag, std::int32_t block_id,
               DIRECTORY_VERSION version = DIRECTORY_VERSION::V2);
   /// The same for a block that must be there.

@@ -59,9 +59,9 @@ T_CODE_BOOK::T_MEANING T_CODE_BOOK::MEANING(std::int32_t code) const {
   return meaning;
 }
 
-/// Which codes every lane meets while the combinations are read, and which of them with a scale other than 0.
-/// Noted by code, and turned into vehicle columns once at the end: a model has far more combinations than
-/// codes.
+/// Which codes every lane meets while the combinations are read,
+/// and which of them with a scale other than 0. Noted by code, and turned into
+/// vehicle columns once at the end: a model has far more combinations than codes.
 class T_COMBINATIONS::T_CODE_USE {
  public:
   T_CODE_USE(std::int32_t num_lane, const T_CODE_BOOK& book)

@@ -48,8 +48,8 @@ class T_CODE_BOOK {
   [[nodiscard]] std::int64_t HIGHEST_CODE() const noexcept { return highest_code_; }
   [[nodiscard]] T_MEANING MEANING(std::int32_t code) const;
 
-  /// The low codes, from 0, whose meaning is worked out beforehand: all of them but for models of very many
-  /// classes.
+  /// The low codes, from 0, whose meaning is worked out beforehand:
+  /// all of them but for models of very many classes.
   [[nodiscard]] std::size_t USUAL_CODES() const noexcept { return usual_.size(); }
   [[nodiscard]] T_SLOT_CODE USUAL_SLOT_CODE(std::size_t code) const noexcept { return usual_[code]; }
 
@@ -78,9 +78,9 @@ using COMBINATION_MEMORY = void* (*)(std::size_t bytes);
 
 class T_COMBINATION_CURSOR;
 
-/// The combinations of all moving load cases, in memory or, where that can't be had, on disk: a model too
-/// large for memory runs all the same, with one read of a record per combination and pass, and gives the same
-/// results.
+/// The combinations of all moving load cases, in memory or,
+/// where that can't be had, on disk: a model too large for memory runs all the same,
+/// with one read of a record per combination and pass, and gives the same results.
 class T_COMBINATIONS {
  public:
   /// Reads the block; checks every code. `counts` are the combinations of each moving load case.

@@ -12,8 +12,8 @@ constexpr std::int64_t WORD = 4;
 constexpr std::int32_t NO_LIMIT = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t INFLUENCE_FORMAT = 9600;
 
-/// The words of the one record of a control block, from 0. The record stays good until the unit is read
-/// again.
+/// The words of the one record of a control block, from 0.
+/// The record stays good until the unit is read again.
 class WORDS {
  public:
   STATUS READ(BLOCK_READER& block, std::int64_t count) { return block.READ(1, count * WORD, bytes_); }

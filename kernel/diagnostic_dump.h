@@ -1,5 +1,5 @@
-// A run's records as text, for those who look for a fault. Written by builds with MOVLOAD_DIAGNOSTIC_DUMP
-// only.
+// A run's records as text, for those who look for a fault.
+// Written by builds with MOVLOAD_DIAGNOSTIC_DUMP only.
 #pragma once
 
 #include <cstdint>

@@ -164,8 +164,8 @@ STATUS read_spread_row(RECORD_WALK& walk, const T_COUNTS& counts, search::T_SPRE
   return {};
 }
 
-/// A link's reference, which the files hold as a real: truncated, and held against the unit loads or spread
-/// rows.
+/// A link's reference, which the files hold as a real:
+/// truncated, and held against the unit loads or spread rows.
 STATUS read_reference(const RECORD_WALK& walk, double reference, std::int32_t n_unit_load,
                       std::int32_t n_spread, std::int32_t& result) {
   if (reference > 0) {
@@ -212,8 +212,7 @@ STATUS read_points(RECORD_WALK& walk, const T_COUNTS& counts, search::T_LANE& la
   return {};
 }
 
-// ---------------------------------------------------------------------------------------- class
-// lanes
+// ---------------------------------------------------------------------------------------- class lanes
 
 struct T_PHSL_HEAD {
   std::int32_t N_CLASS_DEF = 0;

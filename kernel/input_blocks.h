@@ -1,8 +1,8 @@
 // The blocks that describe what moves and where: lanes with their influence points (LNIF), vehicles (VEHI),
 // lane definitions of one class (PHSL, LVPF), axle lists (MLIF) and the local axes table (NLAX).
 //
-// Records hold their items packed, and may be shorter than the block's record length. int is int32, real
-// float64.
+// Records hold their items packed, and may be shorter
+// than the block's record length. int is int32, real float64.
 //
 //   LNIF, for each lane:
 //     head record of 44 bytes   int LANE_NUMBER, N_SPREAD, LANE_STATIONS, N_LANE_EXTRA, LANE_DIRECTION; real
@@ -80,8 +80,8 @@ STATUS READ_AXLE_LANES(RECORD_FILE& unit, const std::string& file_name, const T_
 /// far as the lanes agree on one, else the point count of the first lane that says otherwise.
 [[nodiscard]] std::int32_t POINTS_PER_SEGMENT(const std::vector<search::T_LANE>& lanes);
 
-/// The place of a node in the block of local displacements; 0 where it has no local axes or the blocks are
-/// absent.
+/// The place of a node in the block of local displacements;
+/// 0 where it has no local axes or the blocks are absent.
 STATUS LOCAL_AXES_POSITION(RECORD_FILE& unit, const std::string& file_name, std::int32_t n_unit_load,
                            std::int32_t node, std::int32_t& position);
 

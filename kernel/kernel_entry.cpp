@@ -11,8 +11,8 @@
 namespace kernel {
 namespace {
 
-/// The one way for words to the console, which is the host's. Only messages that belong to the system take
-/// it.
+/// The one way for words to the console, which is the host's.
+/// Only messages that belong to the system take it.
 void write_message(const char* line) {
   std::puts(line);
   std::fflush(stdout);

@@ -18,8 +18,8 @@ struct T_HOST_RESULTS {
   T_HOST_RECORDS RECORDS;
 };
 
-/// MODE_CODE as the host passes it: the analysis code, plus 100 where responses come from the influence
-/// store.
+/// MODE_CODE as the host passes it: the analysis code,
+/// plus 100 where responses come from the influence store.
 struct T_MODE {
   std::int32_t ANALYSIS_CODE = 0;
   bool STORE_MODE = false;
@@ -28,8 +28,8 @@ struct T_MODE {
   return mode_code >= 100 ? T_MODE{mode_code - 100, true} : T_MODE{mode_code, false};
 }
 
-/// The name of a model's block directory file. Fails for a path that no name can be made of and for an
-/// unknown code.
+/// The name of a model's block directory file.
+/// Fails for a path that no name can be made of and for an unknown code.
 STATUS MAKE_REQUEST_FILE_NAME(std::string_view base_name, std::int32_t analysis_code, std::string& file_name);
 
 /// A beam item beyond the components of its family: such a call returns at once, with nothing changed.

@@ -131,8 +131,8 @@ void set_combination_type(TABLE<std::int32_t, FIELD, LANE> records, std::int32_t
   }
 }
 
-/// From a position counted without the repeated points at segment ends to the lane's own numbering, which
-/// keeps them.
+/// From a position counted without the repeated points
+/// at segment ends to the lane's own numbering, which keeps them.
 void expand_positions(TABLE<std::int32_t, FIELD, LANE> records, std::int32_t ordinary_lanes,
                       std::int32_t points_per_segment) {
   for (std::int32_t lane = 1; lane <= ordinary_lanes; ++lane) {
@@ -147,8 +147,8 @@ void expand_positions(TABLE<std::int32_t, FIELD, LANE> records, std::int32_t ord
 std::int32_t CHECK_LOAD_COMBINATION(const T_HOST_RECORDS& host, std::int32_t num_lane,
                                     std::int32_t n_straddle, const T_POINT_RULES& rules) {
   const std::int32_t ordinary_lanes = num_lane - n_straddle;
-  // Segments of one point arise only from a lane whose first two points coincide or that has one: nothing to
-  // expand.
+  // Segments of one point arise only from a lane whose first
+  // two points coincide or that has one: nothing to expand.
   const bool expands =
       !rules.SECTION_ITEM && !rules.KEEP_POINTS && !rules.CLASS_LANES && rules.POINTS_PER_SEGMENT != 1;
   std::int32_t bad_digits = 0;

@@ -36,17 +36,15 @@ enum MLOAD_FIELD : std::int32_t {
 
 /// The host's record arrays of one side; all lanes of the host.
 struct T_HOST_SIDE {
-  TABLE<std::int32_t, FIELD, LANE> K_MLOAD;  // K_MXLOAD or K_MNLOAD
-  std::array<TABLE<std::int32_t, FIELD, LANE>, 2>
-      K_MLOADB;                                // K_MXLOAD1ST and K_MXLOAD2ND, or the minimum side's
-  TABLE<std::int32_t, NUMBER, LANE> K_INFL_S;  // K_MAXINFL_S or K_MININFL_S
+  TABLE<std::int32_t, FIELD, LANE> K_MLOAD;                    // K_MXLOAD or K_MNLOAD
+  std::array<TABLE<std::int32_t, FIELD, LANE>, 2> K_MLOADB;    // K_MXLOAD1ST and K_MXLOAD2ND, or ...
+  TABLE<std::int32_t, NUMBER, LANE> K_INFL_S;                  // K_MAXINFL_S or K_MININFL_S
   std::array<TABLE<std::int32_t, NUMBER, LANE>, 2> K_INFL_SB;  // K_MAXINFL_S1ST and K_MAXINFL_S2ND, or ...
   TABLE<real, NUMBER, LANE> DISTANCE_RANGE;                    // DISTANCE_MAX_RANGE or DISTANCE_MIN_RANGE
 };
 using T_HOST_RECORDS = std::array<T_HOST_SIDE, N_SIDES>;
 
-inline constexpr std::int32_t HOST_NUMBERS =
-    1000;  // entries of a range list of the host, of which 500 are written
+inline constexpr std::int32_t HOST_NUMBERS = 1000;   // entries of a range list, of which 500 are written
 inline constexpr std::int32_t HOST_DISTANCES = 200;  // entries of a distance list
 
 /// Writes an envelope to the host's arrays. What the host reads for lanes beyond the model's is cleared where

@@ -19,8 +19,8 @@ namespace kernel {
 
 static_assert(std::endian::native == std::endian::little, "the files are little-endian and read as they lie");
 
-/// Items of a record, taken one after the other; packed without padding. The caller has made sure of their
-/// number.
+/// Items of a record, taken one after the other;
+/// packed without padding. The caller has made sure of their number.
 class UNPACK {
  public:
   explicit UNPACK(const std::byte* bytes) noexcept : at_(bytes) {}
@@ -51,8 +51,8 @@ class RECORD_FILE {
 
   void CLOSE() noexcept;
 
-  /// Gives the first `bytes` bytes of record n in `record`, good until the next read. RECORD_CUT where the
-  /// file ends before.
+  /// Gives the first `bytes` bytes of record n in `record`,
+  /// good until the next read. RECORD_CUT where the file ends before.
   STATUS READ(std::int64_t n, std::int64_t bytes, const std::byte*& record);
 
   [[nodiscard]] std::int64_t RECORD_BYTES() const noexcept { return record_bytes_; }

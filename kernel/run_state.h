@@ -76,10 +76,11 @@ struct T_MODEL {
   }
 };
 
+/// An MLOAD record, its fields as loading_records.h names them.
 inline constexpr std::size_t RECORD_FIELDS = 10;
-using T_RECORD =
-    std::array<std::int32_t, RECORD_FIELDS>;        // an MLOAD record, fields as loading_records.h names them
-using T_RANGE_NUMBERS = std::vector<std::int32_t>;  // an INFL_S list: the entries in use
+using T_RECORD = std::array<std::int32_t, RECORD_FIELDS>;
+/// An INFL_S list: the entries in use.
+using T_RANGE_NUMBERS = std::vector<std::int32_t>;
 
 /// One lane on one side of the governing loading.
 struct T_LANE_LOADING {
@@ -94,8 +95,7 @@ struct T_LANE_LOADING {
 /// with the host as they were.
 struct T_ENVELOPE {
   bool SEARCHED = false;
-  bool STRADDLE_POINTS =
-      false;  // the positions of straddle lanes' points are known to the closing passes too
+  bool STRADDLE_POINTS = false;  // the closing passes know the points of straddle lanes too
   double FINAL_MAX = 0;
   double FINAL_MIN = 0;
   std::array<std::vector<T_LANE_LOADING>, N_SIDES> LANES;                      // by side, then lane

@@ -4,8 +4,8 @@ namespace results {
 
 namespace {
 
-/// What a lane adds for a code: both sides' values, and how many vehicle columns stand for its class, each of
-/// which adds once.
+/// What a lane adds for a code: both sides' values, and how many
+/// vehicle columns stand for its class, each of which adds once.
 struct T_LANE_EFFECT {
   std::array<real, N_SIDES> VALUE{};
   std::int32_t TIMES = 0;

@@ -41,8 +41,8 @@ void search_ha(const search::T_HB_INPUT& input, search::T_HB_WORK& work, search:
   }
 }
 
-/// The searches of a sub-case by layout: with all axles on the lane itself, and for a class whose axle list
-/// names other lanes.
+/// The searches of a sub-case by layout: with all axles on the lane itself,
+/// and for a class whose axle list names other lanes.
 struct T_SUB_CASE {
   bool ON_STRADDLE_LANES;
   SEARCH OWN_LANE[2];
@@ -146,8 +146,8 @@ class LANE_SEARCH {
     if (model_.HAS_CLASS_LANES()) work_.LANE_ORD_SAVE = work_.LANE_ORD.front();
   }
 
-  /// The ranges of an ordinary lane, as the host gets them; their counts serve the numbering after a reverse
-  /// pass.
+  /// The ranges of an ordinary lane, as the host gets them;
+  /// their counts serve the numbering after a reverse pass.
   const std::array<search::T_RANGE_DISTANCES, N_SIDES>& FIND_DISTANCES() {
     const auto range_distances =
         layout_ == ROW_LAYOUT::SIMPLE ? search::RANGE_DISTANCES : search::RANGE_DISTANCES_JUMP;

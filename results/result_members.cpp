@@ -65,17 +65,17 @@ STATUS find_row(const T_COUNTS& counts, const kernel::T_REQUEST& request, const 
   return CHECK_BOUNDS("RESULT_ITEM", request.RESULT_ITEM, 1, items);
 }
 
-/// What is read of a record: so many words of it, and of these so many columns of the component in hand, from
-/// a word (from 0) on.
+/// What is read of a record: so many words of it, and of these so
+/// many columns of the component in hand, from a word (from 0) on.
 struct T_WANTED {
   std::int32_t RECORD_WORDS;
   std::int32_t FIRST_WORD;
   std::int32_t COLUMNS;
 };
 
-/// Where the line may jump, the components 1 to 6 have one column each, 7 to 24 two, the value before a point
-/// and the value after it, and 25 to 30 one again. The parts of a component have columns of their own behind
-/// these 48.
+/// Where the line may jump, the components 1 to 6 have one column each, 7 to 24 two,
+/// the value before a point and the value after it, and 25 to 30 one again.
+/// The parts of a component have columns of their own behind these 48.
 T_WANTED wanted_of(const T_FAMILY& family, const T_COUNTS& counts, const T_COMPONENT& component) {
   const std::int32_t c = component.ITEM - family.ITEMS_BEFORE;
   std::int32_t column = c;
@@ -115,8 +115,8 @@ class LOAD_ORD_READER {
         block_(block),
         LOAD_ORD_(LOAD_ORD) {}
 
-  /// Run p of the block, from 1. A run that lies, wholly or in part, outside the block leaves the ordinates
-  /// at 0.
+  /// Run p of the block, from 1. A run that lies,
+  /// wholly or in part, outside the block leaves the ordinates at 0.
   STATUS READ_RUN(std::int64_t p) {
     if (!is_in_block(p)) return {};
     return read_rows(p, [](const std::byte*) { return true; });

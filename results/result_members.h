@@ -73,9 +73,9 @@ struct T_RESPONSE {
 STATUS READ_RESPONSE(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
                      const T_COMPONENT& component, kernel::RECORD_FILE& unit, T_RESPONSE& response);
 
-/// Works out one request from a model: fetches the ordinates of the component that RESULT_ITEM stands for and
-/// runs both phases. Leaves the envelope as it is where there is nothing to search. `unit` serves the
-/// lookups.
+/// Works out one request from a model: fetches the ordinates
+/// of the component that RESULT_ITEM stands for and runs both phases.
+/// Leaves the envelope as it is where there is nothing to search. `unit` serves the lookups.
 STATUS RUN_FAMILY(const kernel::T_MODEL& model, const kernel::T_REQUEST& request,
                   const T_COMPONENT& component, kernel::RECORD_FILE& unit, kernel::T_ENVELOPE& envelope);
 

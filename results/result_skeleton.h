@@ -1,10 +1,10 @@
 // The one skeleton of all result routines: the lane phase and the combination phase.
 //
-// The lane phase takes each lane alone and searches it once for every vehicle class and sub-case that can
-// stand on it; each result is filed under lane, class and sub-case. The combination phase adds the filed
-// results of the lanes, each times its scale, over every combination of a moving load case, and keeps the
-// best combination on each side. The expensive search therefore runs once for a lane and class, however many
-// combinations there are.
+// The lane phase takes each lane alone and searches it once for every vehicle class
+// and sub-case that can stand on it; each result is filed under lane, class and sub-case.
+// The combination phase adds the filed results of the lanes, each times its scale,
+// over every combination of a moving load case, and keeps the best combination on each side.
+// The expensive search therefore runs once for a lane and class, however many combinations there are.
 #pragma once
 
 #include <array>

@@ -15,8 +15,7 @@ constexpr double SMALLEST_STEP = 0x1p-148;  // of one operation among the smalle
 constexpr double MARGIN = 1.01;             // for products of roundings and for the bounds' own arithmetic
 constexpr int CELL_BITS = 8;                // 256 cells an octave
 constexpr int FRACTION_BITS = 23 - CELL_BITS;
-constexpr double LAW_ROUNDING =
-    1e-6;  // of the power law in single precision, for the narrowing of lengths too
+constexpr double LAW_ROUNDING = 1e-6;  // of the power law in single precision, narrowed lengths included
 constexpr T_BOUNDS NO_BOUNDS{0, INFINITE};
 
 std::uint32_t cell_of(float length) {
@@ -351,8 +350,8 @@ void T_HA_BOUNDS::RANGES_BESIDE(const T_LINE& line, const T_ZONE_PLACE& zone, co
   }
 }
 
-/// Those that the cut segments close, and the one joined across the zone. Not sure where rounding may decide
-/// on what there is.
+/// Those that the cut segments close, and the one joined across the zone.
+/// Not sure where rounding may decide on what there is.
 T_HA_BOUNDS::T_OWN_RANGES T_HA_BOUNDS::own_ranges(SIDE side, const T_ZONE_CUT& cut) const noexcept {
   const auto& states = states_[side];
   const T_STATE& before = states[static_cast<std::size_t>(cut.BEFORE)];
@@ -411,8 +410,8 @@ T_HA_BOUNDS::T_OWN_RANGES T_HA_BOUNDS::own_ranges(SIDE side, const T_ZONE_CUT& c
   return own;
 }
 
-/// The prefixes of a ranking whose ranges are taken from the highest that their means may be on. Ranges any of
-/// which may come first wait in a group until it is complete, which none of those that follow can reach into.
+/// The prefixes of a ranking. Ranges are taken from the highest that their means may be on; those any of
+/// which may come first wait in a group. Once it is complete, none of those that follow can reach into it.
 class T_HA_BOUNDS::PREFIXES {
  public:
   PREFIXES(const T_INTENSITY_BOUNDS& intensity, double vehicle_length, const T_OWN_RANGES& own, double needed,

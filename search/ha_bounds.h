@@ -1,9 +1,9 @@
-// Rigorous bounds on what the HA search beside a zone can give, at a cost that hardly grows with the points
-// of a line.
+// Rigorous bounds on what the HA search beside a zone can give,
+// at a cost that hardly grows with the points of a line.
 //
-// An HB is placed thousands of times on one line, and nearly all placements fall far short of the best. For
-// these no exact value is needed, if a bound, rounding included, tells that they can't win. The bounds rest
-// on three facts:
+// An HB is placed thousands of times on one line, and nearly all placements
+// fall far short of the best. For these no exact value is needed, if a bound,
+// rounding included, tells that they can't win. The bounds rest on three facts:
 //
 //   - Ranges that close before the zone, and ranges that open after the first closing behind it, have the
 //     same bits for every placement, for accumulators begin at 0 again where a range closes. They are cut
@@ -13,9 +13,9 @@
 //     a term.
 //   - The intensity beyond HA_L0 is a convex falling curve of the loaded length: chords of a table bound it.
 //
-// Where rounding leaves open which of some ranges goes first, as it does for the alike spans of a girder,
-// they form a group: a prefix that ends inside it has at most the areas of its largest and at least the
-// lengths of its shortest.
+// Where rounding leaves open which of some ranges goes first, as it does
+// for the alike spans of a girder, they form a group: a prefix that ends inside it
+// has at most the areas of its largest and at least the lengths of its shortest.
 //
 // Lines for which this can't be relied on (no ascending or finite positions, values at the ends of the range
 // of single precision) are told apart by PREPARE; whoever asks then takes the plain road. Bounds that can't
@@ -63,8 +63,8 @@ class T_INTENSITY_BOUNDS {
   std::vector<double> edges_;
 };
 
-/// Where a zone cuts the line, and the ranges that the cut segments themselves leave behind. The same for
-/// both sides.
+/// Where a zone cuts the line, and the ranges that the cut
+/// segments themselves leave behind. The same for both sides.
 struct T_ZONE_CUT {
   bool KNOWN = false;
   std::int32_t BEFORE = 0;  // whole segments in front of the zone
@@ -89,8 +89,8 @@ class T_HA_BOUNDS {
 
   /// An upper bound of the magnitude of a side's effect, for vehicles of at least this length anywhere.
   [[nodiscard]] double ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept;
-  /// The same for one zone, from areas and lengths alone. It holds for longer vehicles too whose zone begins
-  /// at the same point.
+  /// The same for one zone, from areas and lengths alone.
+  /// It holds for longer vehicles too whose zone begins at the same point.
   [[nodiscard]] double QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept;
   template <LAYOUT L>
   [[nodiscard]] T_ZONE_CUT CUT(const T_LINE& line, const T_ZONE_PLACE& zone) const noexcept;
@@ -98,8 +98,8 @@ class T_HA_BOUNDS {
   template <LAYOUT L>
   void RANGES_BESIDE(const T_LINE& line, const T_ZONE_PLACE& zone, const T_ZONE_CUT& cut,
                      T_RANGE_WORK& work) const;
-  /// Bounds of the magnitude of a side's effect. The lower one is worked out only as far as it can get above
-  /// `needed`.
+  /// Bounds of the magnitude of a side's effect.
+  /// The lower one is worked out only as far as it can get above `needed`.
   [[nodiscard]] T_BOUNDS BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length, double needed);
 
  private:

@@ -16,12 +16,12 @@
 namespace search {
 
 /// The best loading of one side. With no range the value is 0 (or the KEL's part alone) and the rest is 0.
+/// RANGES is good until the caller's work lists are used again.
 struct T_HA_SIDE {
   real VALUE = 0;
   std::int32_t W_MILLI = 0;              // intensity * 1000, truncated
   std::int32_t LOADED_COUNT = 0;         // at most MAX_LOADED
-  const std::int32_t* RANGES = nullptr;  // LOADED_COUNT sequence numbers in order of ranking, in the caller's
-                                         // work lists: good until these are used again
+  const std::int32_t* RANGES = nullptr;  // their sequence numbers in order of ranking, in the work lists
 };
 using T_HA_RESULT = std::array<T_HA_SIDE, N_SIDES>;
 

@@ -19,8 +19,8 @@ void record_placement(const T_HA_SIDE& ha, std::int32_t numbered, const T_PASS& 
                       const T_PLACEMENT& placement, std::int32_t code, T_HB_REC& record,
                       std::vector<std::int32_t>& numbers) {
   const std::int32_t i = placement.POINT_INDEX;
-  const std::int32_t position =
-      pass.DIRECTION == FORWARD_PASS ? i : pass.n - i + 1;  // in the lane's own numbering
+  // In the lane's own numbering.
+  const std::int32_t position = pass.DIRECTION == FORWARD_PASS ? i : pass.n - i + 1;
   record = {ha.W_MILLI, ha.LOADED_COUNT, placement.HB_TYPE, position, code, numbered};
   numbers.assign(ha.RANGES, ha.RANGES + ha.LOADED_COUNT);
 }
@@ -164,8 +164,8 @@ struct OWN_SET : HA_ON_LINE<L> {
   void BEGIN(const T_PASS& pass, T_HB_WORK&) { this->BEGIN_PASS(pass.LINE(pass.OWN->front())); }
 };
 
-/// Across two parent lanes, planes 2 and 3, that both carry full HA UDL: their ordinates are added up once a
-/// pass.
+/// Across two parent lanes, planes 2 and 3, that both carry full HA UDL:
+/// their ordinates are added up once a pass.
 template <LAYOUT L>
 struct PLANE_SUM : HA_ON_LINE<L> {
   using HA_ON_LINE<L>::HA_ON_LINE;
@@ -266,8 +266,8 @@ void place_hb(const T_HB_INPUT& input, T_HB_WORK& work, T_SEARCH_RESULT& result)
   }
 }
 
-/// The form whose axles all run on the lane itself: the same search, with the lane's own set given four
-/// times.
+/// The form whose axles all run on the lane itself:
+/// the same search, with the lane's own set given four times.
 template <class PLANES>
 void place_hb_on_own_lane(const T_HB_INPUT& input, T_HB_WORK& work, T_SEARCH_RESULT& result) {
   T_HB_INPUT own = input;

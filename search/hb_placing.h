@@ -39,8 +39,8 @@ struct T_HB_INPUT {
   std::int32_t n = 0;                             // points
   TABLE<const real, POINT> LANE_X;                // their positions
   const std::vector<T_ORDINATES>* OWN = nullptr;  // the lane's own planes, on which HA UDL stands
-  std::array<const std::vector<T_ORDINATES>*, HB_AXLES>
-      AXLES{};  // planes that axle j runs on: OWN, or another lane's
+  /// The planes that axle j runs on: OWN, or another lane's.
+  std::array<const std::vector<T_ORDINATES>*, HB_AXLES> AXLES{};
   const T_VEHICLE_PARAMETERS* VEHICLE = nullptr;
   std::int32_t LANE_DIRECTION = 0;  // 0 forward only, 1 reverse only, other both
   std::int32_t LANE_NUMBER = 0;     // of a straddle lane; goes into HB_CODE
@@ -77,16 +77,16 @@ struct T_HB_WORK {
 
 using HB_SEARCH = void(const T_HB_INPUT& input, T_HB_WORK& work, T_SEARCH_RESULT& result);
 
-/// HB in a lane. The result is cleared by the caller; where nothing fits, or no total goes beyond 0, it stays
-/// so.
+/// HB in a lane. The result is cleared by the caller;
+/// where nothing fits, or no total goes beyond 0, it stays so.
 HB_SEARCH HB_LANE, HB_LANE_MULTI, HB_LANE_JUMP, HB_LANE_MULTI_JUMP;
 
-/// HB across two parent lanes that both carry full HA UDL on the same ranges. The vehicle takes the best
-/// plane.
+/// HB across two parent lanes that both carry full HA UDL
+/// on the same ranges. The vehicle takes the best plane.
 HB_SEARCH HB_STRADDLE_SUM, HB_STRADDLE_SUM_MULTI, HB_STRADDLE_SUM_JUMP, HB_STRADDLE_SUM_MULTI_JUMP;
 
-/// HB across two parent lanes of which one carries full HA UDL and the other 0.3333 of it, whichever is
-/// worse.
+/// HB across two parent lanes of which one carries full
+/// HA UDL and the other 0.3333 of it, whichever is worse.
 HB_SEARCH HB_STRADDLE_THIRD, HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_THIRD_JUMP, HB_STRADDLE_THIRD_MULTI_JUMP;
 
 }  // namespace search

@@ -1,5 +1,5 @@
-// Screening of the placements of a pass: which of them can't win is told by bounds, and needs no exact value.
-// Inside the folder.
+// Screening of the placements of a pass: which of them can't win
+// is told by bounds, and needs no exact value. Inside the folder.
 //
 // Only a placement whose upper bound reaches the best lower bound of the pass can be the pass's best, and the
 // first of equal bests is among these, for its bound reaches too. So a pass is screened first, and the exact
@@ -135,8 +135,8 @@ class SCREEN {
            planes_.PREPARE_BOUNDS(shortest_vehicle);
   }
 
-  /// Screens the pass and calls attempt(placement) for what is left, in plain order; what it keeps stands in
-  /// `result`.
+  /// Screens the pass and calls attempt(placement) for what is left,
+  /// in plain order; what it keeps stands in `result`.
   template <class ATTEMPT>
   void RUN(const T_SEARCH_RESULT& result, ATTEMPT attempt) {
     constexpr std::int32_t COARSE_STEP = 8;
@@ -260,8 +260,8 @@ class SCREEN {
     return highest;
   }
 
-  /// The most that both can give together, as a magnitude. HA UDL of 0 leaves the effect of the axles as it
-  /// is.
+  /// The most that both can give together, as a magnitude.
+  /// HA UDL of 0 leaves the effect of the axles as it is.
   [[nodiscard]] static double highest_total(double hb, double ha) {
     return ha == 0 ? hb : hb + ha + ROUNDING * (std::fabs(hb) + ha) + SMALLEST;
   }

@@ -76,8 +76,8 @@ void add_load(const T_LOAD_ORD& LOAD_ORD, std::int32_t load, real weight, T_ORDI
   }
 }
 
-/// The transverse entries first to last of every point, averaged with the factor F, which is single
-/// precision.
+/// The transverse entries first to last of every point,
+/// averaged with the factor F, which is single precision.
 template <std::int32_t COLUMNS>
 void add_entries(const T_LANE& lane, std::int32_t first, std::int32_t last, real F,
                  const T_LOAD_ORD& LOAD_ORD, T_ORDINATES& ordinates) {

@@ -33,20 +33,20 @@ struct T_SPREAD_ROW {
   std::array<double, PAIRS> WEIGHT{};
 };
 
-/// Which rows of a lane are left when repeated points are dropped. Only positions decide, so that this is
-/// worked out once for a lane.
+/// Which rows of a lane are left when repeated points are dropped.
+/// Only positions decide, so that this is worked out once for a lane.
+/// SOURCE is as long as before: the places behind COUNT tell what the shifting leaves there.
 struct T_KEPT_POINTS {
-  std::vector<std::int32_t> SOURCE;  // the row, from 1, that stands at each place after the drop; as long as
-                                     // before: the places behind COUNT hold what the shifting left there
-  std::int32_t COUNT = 0;
+  std::vector<std::int32_t> SOURCE;  // the row, from 1, that stands at each place after the drop
+  std::int32_t COUNT = 0;            // points left
 };
 
 /// Drops the later row of each repeated position, comparing exactly. A point loses at most one repeat, so
 /// that of three or four equal positions two are left.
 T_KEPT_POINTS DROP_REPEATED_POINTS(const std::vector<real>& positions);
 
-/// A lane as the files give it. Checked when it was read: links and spread rows name loads and rows that
-/// exist.
+/// A lane as the files give it. Checked when it was read:
+/// links and spread rows name loads and rows that exist.
 struct T_LANE {
   std::int32_t LANE_NUMBER = 0;
   std::int32_t LANE_STATIONS = 0;   // influence points
@@ -113,8 +113,8 @@ void PLANE_ORDINATES(const T_LANE& lane, const T_LOAD_ORD& LOAD_ORD, std::vector
 /// Moves the rows of a lane's ordinates to the places of `kept`.
 void DROP_ROWS(const T_KEPT_POINTS& kept, T_ORDINATES& ordinates);
 
-/// A lane definition that belongs to one vehicle class only. Its weights stand whole: no impact add-on
-/// applies.
+/// A lane definition that belongs to one vehicle class only.
+/// Its weights stand whole: no impact add-on applies.
 struct T_CLASS_DEFINITION {
   struct T_SHARE {
     std::int32_t LOAD_NUMBER = 0;
@@ -127,8 +127,8 @@ struct T_CLASS_DEFINITION {
   std::int32_t N_ENTRIES = 0;    // transverse entries of a point
   std::int32_t N_PER_PLANE = 1;  // entries per plane, also the divisor of the weights
   std::vector<T_SHARE> CLASS_LINKS;
-  std::vector<std::size_t>
-      FIRST_SHARE;  // of entry e of point p at (p - 1) * N_ENTRIES + e - 1, and one more at the end
+  /// The first of entry e of point p at (p - 1) * N_ENTRIES + e - 1, and one more at the end.
+  std::vector<std::size_t> FIRST_SHARE;
 };
 
 /// The same as LANE_ORDINATES and PLANE_ORDINATES from a class definition; points and entries that it lacks

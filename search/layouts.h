@@ -31,8 +31,8 @@ struct T_ORDINATE {
   real LOWER = 0;
 };
 
-/// Rows with one value a point: all result routines but those of beams and walls. Repeated points are dropped
-/// before the search.
+/// Rows with one value a point: all result routines but those of beams and walls.
+/// Repeated points are dropped before the search.
 struct SIMPLE_LAYOUT {
   static constexpr bool SKIPS_ZERO_LENGTH = true;  // a segment without length is passed over
   static constexpr bool CLOSES_AT_JUMPS = false;   // a jump across zero closes a range (whole lane only)

@@ -1,6 +1,6 @@
-// The rules by which one stretch of an influence line joins the open range of its sign or ends it. Inside the
-// folder: the cut of a whole line, the cut beside a zone and the bounds of the latter all walk by these
-// rules.
+// The rules by which one stretch of an influence line joins the open range
+// of its sign or ends it. Inside the folder: the cut of a whole line,
+// the cut beside a zone and the bounds of the latter all walk by these rules.
 #pragma once
 
 #include <algorithm>
@@ -158,8 +158,8 @@ void ADD_PART(const T_LINE& line, std::int32_t i, real fraction, bool in_front, 
   }
 }
 
-/// What the zone leaves of the segment that its near end lies in. Rounding of the end brings this about at
-/// every eighth point or so.
+/// What the zone leaves of the segment that its near end lies in.
+/// Rounding of the end brings this about at every eighth point or so.
 template <LAYOUT L, class CLOSED>
 void ADD_NEAR_PIECE(const T_LINE& line, const T_ZONE_PLACE& zone, T_OPEN_RANGES& open, CLOSED closed) {
   if (zone.NEAR_FRACTION != 0) ADD_PART<L>(line, zone.NEAR_INDEX - 1, zone.NEAR_FRACTION, true, open, closed);

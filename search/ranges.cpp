@@ -60,8 +60,8 @@ void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANG
     ADD_FAR_PIECE<L>(line, zone, open, closed);
     ADD_SEGMENTS<L>(line, zone.FAR_INDEX + 1, last, open, closed);
   } else {
-    // The ends of a vehicle that no model has, or of positions that don't ascend: by the same rules, in lane
-    // order.
+    // The ends of a vehicle that no model has, or of positions
+    // that don't ascend: by the same rules, in lane order.
     ADD_FAR_PIECE<L>(line, zone, open, closed);
     ADD_SEGMENTS<L>(line, std::max(zone.FAR_INDEX + 1, 1), std::min(near_segment - 1, last), open, closed);
     ADD_NEAR_PIECE<L>(line, zone, open, closed);
@@ -203,8 +203,8 @@ T_POSITION FIND_POSITION(real position, TABLE<const real, POINT> LANE_X, std::in
   const T_SPAN span = BRACKET_POINT(position, LANE_X, n);
   const std::int32_t last = std::min(span.HI, n);
 
-  // A point at the position goes before any segment that ends there, so that an axle on a jump counts its
-  // worse side.
+  // A point at the position goes before any segment that ends there,
+  // so that an axle on a jump counts its worse side.
   for (std::int32_t k = span.LO; k <= last; ++k) {
     if (position == LANE_X(k)) return {k, 0, true};
   }
@@ -247,8 +247,8 @@ void add_pair(T_RANGE_DISTANCES& side, real start, real end) {
   ++side.RANGE_COUNT;
 }
 
-/// One side by points. The negative side is the positive one with the line turned over, which changes no
-/// magnitude.
+/// One side by points. The negative side is the positive one
+/// with the line turned over, which changes no magnitude.
 template <class ORDINATE>
 void distances_of_side(const T_LINE& line, ORDINATE y, T_RANGE_DISTANCES& side) {
   const std::int32_t n = line.n;

@@ -64,13 +64,12 @@ void CUT_RANGES_BESIDE_ZONE(const T_LINE& line, const T_ZONE_PLACE& zone, T_RANG
 
 /// Ranks means from the largest to the smallest and carries the sequence numbers along; `by_magnitude` first
 /// replaces every mean by its absolute value (negative ranges). The order of equal means follows from the way
-/// of sorting and is behaviour: it decides which range joins a loaded set first.
-/// `work` is a work list.
+/// of sorting and is behaviour: it decides which range joins a loaded set first. `work` is a work list.
 void SORT_RANGE_MEANS(std::int32_t count, real* means, std::int32_t* numbers, bool by_magnitude,
                       std::vector<T_RANGE_MEAN>& work);
 
-/// The curve of HA UDL intensity over loaded length, BS 5400-2 clause 6.2.1; its numbers come with the
-/// vehicle.
+/// The curve of HA UDL intensity over loaded length,
+/// BS 5400-2 clause 6.2.1; its numbers come with the vehicle.
 struct T_HA_CURVE {
   real HA_W0 = 0;    // intensity up to the loaded length HA_L0
   real HA_K = 0;     // beyond: HA_K * (1 / L) ^ HA_P

@@ -1,6 +1,6 @@
-// Trimming of the reported ranges. The distance lists are made from the whole influence line; on a lane with
-// an HB they are reworked to say what was really loaded: no UDL in the HB's zone. Nothing of this changes a
-// value.
+// Trimming of the reported ranges. The distance lists are made from the whole influence line;
+// on a lane with an HB they are reworked to say what was really loaded:
+// no UDL in the HB's zone. Nothing of this changes a value.
 #pragma once
 
 #include <array>
@@ -12,8 +12,8 @@
 
 namespace search {
 
-/// The ranges of a lane and side as the host has them. A list of pairs ends at the first pair from the second
-/// on whose start is 0.
+/// The ranges of a lane and side as the host has them.
+/// A list of pairs ends at the first pair from the second on whose start is 0.
 struct T_REPORTED_RANGES {
   std::array<std::array<real, 2>, MAX_RANGES> PAIRS{};  // start, end
   std::vector<std::int32_t> NUMBERS;                    // MAX_LOADED range numbers, 0 behind the last

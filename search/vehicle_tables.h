@@ -16,8 +16,8 @@ namespace search {
 inline constexpr std::int32_t MAX_VEHICLES = 100;    // vehicle columns of a model
 inline constexpr std::int32_t BS_5400_VEHICLE = 20;  // the one VEHICLE_CODE that is searched
 inline constexpr std::int32_t VEHICLE_LIST = 100;    // entries of VEHICLE_LOADS and VEHICLE_GEOM in the files
-inline constexpr std::int32_t SUB_CASES =
-    4;  // kinds of loading of a lane: HA, HB, straddling HB in two forms
+/// Kinds of loading of a lane: HA, HB, and a straddling HB in two forms.
+inline constexpr std::int32_t SUB_CASES = 4;
 
 /// One column of the vehicle table. A column without a vehicle is all zeros.
 struct T_VEHICLE {
@@ -43,9 +43,9 @@ struct T_VEHICLE_PARAMETERS {
 };
 [[nodiscard]] T_VEHICLE_PARAMETERS VEHICLE_PARAMETERS(const T_VEHICLE& vehicle);
 
-/// The lanes on which the axles of a class run, for a class on a lane; 0 is the lane itself. EXISTS tells
-/// whether the model has axle lists at all: a class and lane without a row of their own then have one of
-/// zeros.
+/// The lanes on which the axles of a class run, for a class on a lane;
+/// 0 is the lane itself. EXISTS tells whether the model has axle lists at all:
+/// a class and lane without a row of their own then have one of zeros.
 class T_AXLE_LANES {
  public:
   void CREATE() { exists_ = true; }
