@@ -126,13 +126,12 @@ class SCREEN {
   [[nodiscard]] bool PREPARE() {
     constexpr real LARGEST = 1e15F;
     if (!(input_.VEHICLE->HB_LOAD >= 0 && input_.VEHICLE->HB_LOAD <= LARGEST)) return false;
-    const double lane = static_cast<double>(pass_.X(pass_.n)) - static_cast<double>(pass_.X(1));
     const real shortest = offsets_.LENGTH(1);
-    if (!(shortest > 0.1F) || !(std::fabs(pass_.X(pass_.n)) < 1e4F * shortest)) return false;
-    const double longest = static_cast<double>(offsets_.OF_TYPE.back()[0]) + 2 * lane;
-    const double shortest_vehicle = OFF * static_cast<double>(shortest);
-    return work_.INTENSITY.PREPARE(input_.VEHICLE->HA_CURVE, shortest_vehicle, longest) &&
-           planes_.PREPARE_BOUNDS(shortest_vehicle);
+    const real farthest = std::max(std::fabs(pass_.X(1)), std::fabs(pass_.X(pass_.n)));
+    if (!(shortest > 0.1F) || !(farthest < 1e4F * shortest)) return false;
+    const double longest = static_cast<double>(offsets_.OF_TYPE.back()[0]) + 2 * lane_length();
+    return work_.INTENSITY.PREPARE(input_.VEHICLE->HA_CURVE, shortest_vehicle(), longest) &&
+           planes_.PREPARE_BOUNDS(shortest_vehicle());
   }
 
   /// Screens the pass and calls attempt(placement) for what is left,
@@ -143,7 +142,7 @@ class SCREEN {
     take_best(result);
     find_extremes();
     for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-      ha_anywhere_[side] = planes_.ANYWHERE_BOUND(side, OFF * static_cast<double>(offsets_.LENGTH(1)));
+      ha_anywhere_[side] = planes_.ANYWHERE_BOUND(side, shortest_vehicle());
     }
     // A coarse walk first, which tells how high the best reaches at least; a pass before this one has told.
     const bool has_best = best_[MAX_SIDE] > 0 || best_[MIN_SIDE] > 0;
@@ -168,7 +167,12 @@ class SCREEN {
   using WALK = PLACEMENT_WALK<typename PLANES::ROWS, PLANES::STRADDLES>;
   static constexpr double ROUNDING = 1.3e-7;  // of the effect of the axles, and of the total
   static constexpr double SMALLEST = 1e-44;
-  static constexpr double OFF = 0.99;  // the vehicle is a difference of positions, and shorter by a rounding
+
+  [[nodiscard]] double lane_length() const {
+    return static_cast<double>(pass_.X(pass_.n)) - static_cast<double>(pass_.X(1));
+  }
+  /// A vehicle's length is a difference of positions, and may come out shorter by a rounding.
+  [[nodiscard]] double shortest_vehicle() const { return 0.99 * static_cast<double>(offsets_.LENGTH(1)); }
 
   /// What is strictly better than the best so far can win, where it may be the best of the pass.
   void take_best(const T_SEARCH_RESULT& result) {
@@ -186,31 +190,32 @@ class SCREEN {
   /// each point on; by doubling the span.
   void find_extremes() {
     const auto n = static_cast<std::size_t>(pass_.n);
-    const double lane = static_cast<double>(pass_.X(pass_.n)) - static_cast<double>(pass_.X(1));
     const double front = static_cast<double>(offsets_.OF_TYPE.back()[0] - offsets_.OF_TYPE.front()[1]);
-    const double points = front / lane * static_cast<double>(n);
+    const double points = front / lane_length() * static_cast<double>(n);
     for (extent_ = 1; 2 * static_cast<double>(extent_) <= points && 2 * extent_ < n;) extent_ *= 2;
     work_.EXTREMES.resize(2 * pass_.OWN->size());
     for (std::size_t plane = 0; plane < pass_.OWN->size(); ++plane) {
       for (const std::size_t axle : {0U, 1U}) {
         if (axle == 1 && pass_.AXLES[0] == pass_.AXLES[1]) continue;
-        const T_LINE& line = pass_.AXLE_LINES[HB_AXLES * plane + axle];
-        T_HB_WORK::T_EXTREMES& extremes = work_.EXTREMES[2 * plane + axle];
-        extremes.HIGHEST.resize(n);
-        extremes.LOWEST.resize(n);
-        real* highest = extremes.HIGHEST.data();
-        real* lowest = extremes.LOWEST.data();
-        for (std::size_t i = 0; i < n; ++i) {
-          const auto k = static_cast<std::int32_t>(i) + 1;
-          highest[i] = std::max(number_or(line.BEFORE(k), -INFINITE), number_or(line.AFTER(k), -INFINITE));
-          lowest[i] = std::min(number_or(line.BEFORE(k), INFINITE), number_or(line.AFTER(k), INFINITE));
-        }
-        for (std::size_t span = 1; span < extent_; span *= 2) {
-          for (std::size_t i = 0; i + span < n; ++i) {
-            highest[i] = std::max(highest[i], highest[i + span]);
-            lowest[i] = std::min(lowest[i], lowest[i + span]);
-          }
-        }
+        find_extremes_of(pass_.AXLE_LINES[HB_AXLES * plane + axle], work_.EXTREMES[2 * plane + axle]);
+      }
+    }
+  }
+  void find_extremes_of(const T_LINE& line, T_HB_WORK::T_EXTREMES& extremes) const {
+    const auto n = static_cast<std::size_t>(pass_.n);
+    extremes.HIGHEST.resize(n);
+    extremes.LOWEST.resize(n);
+    real* highest = extremes.HIGHEST.data();
+    real* lowest = extremes.LOWEST.data();
+    for (std::size_t i = 0; i < n; ++i) {
+      const auto k = static_cast<std::int32_t>(i) + 1;
+      highest[i] = std::max(number_or(line.BEFORE(k), -INFINITE), number_or(line.AFTER(k), -INFINITE));
+      lowest[i] = std::min(number_or(line.BEFORE(k), INFINITE), number_or(line.AFTER(k), INFINITE));
+    }
+    for (std::size_t span = 1; span < extent_; span *= 2) {
+      for (std::size_t i = 0; i + span < n; ++i) {
+        highest[i] = std::max(highest[i], highest[i + span]);
+        lowest[i] = std::min(lowest[i], lowest[i + span]);
       }
     }
   }
@@ -236,7 +241,6 @@ class SCREEN {
   [[nodiscard]] std::array<double, N_SIDES> highest_hb(std::int32_t first, std::int32_t last) const {
     constexpr double SUM_ROUNDING = 1e-6;
     constexpr double LARGEST_SUM = 1e30;  // beyond, sums may overflow on the way
-    constexpr double UNBOUNDED = std::numeric_limits<double>::infinity();
     const auto load = static_cast<double>(input_.VEHICLE->HB_LOAD);
     std::array<double, N_SIDES> highest;
     highest.fill(PLANES::STRADDLES ? 0 : CANT_WIN);
@@ -254,7 +258,7 @@ class SCREEN {
         }
         const double hb = (sum + SUM_ROUNDING * magnitude) * load + SMALLEST * (1 + load);
         highest[side] = std::max(highest[side], hb);
-        if (!(magnitude <= LARGEST_SUM)) highest[side] = UNBOUNDED;
+        if (!(magnitude <= LARGEST_SUM)) highest[side] = std::numeric_limits<double>::infinity();
       }
     }
     return highest;
