@@ -120,6 +120,29 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
   intensity_ = &intensity;
   short_range_ = short_range;
   if (segments_ < 1) return false;
+  const auto length = static_cast<double>(line.LANE_X(line.n) - line.LANE_X(1));
+  if (!(length > 1e-6 && length < 1e9) || !walk<L>(line)) return false;
+
+  sum_error_ = segments_ * 0x1p-52;
+  roundings_ = 3 * (segments_ + 64) * ROUNDING * MARGIN;
+  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+    std::sort(ranges_[side].begin(), ranges_[side].end(),
+              [](const T_RANKED& a, const T_RANKED& b) { return a.HIGHEST_MEAN > b.HIGHEST_MEAN; });
+    std::int32_t next = 0;
+    for (std::int32_t s = segments_; s >= 0; --s) {
+      T_STATE& state = states_[side][static_cast<std::size_t>(s)];
+      state.NEXT_CLOSE = next;
+      if (s > 0 && state.CLOSED != states_[side][static_cast<std::size_t>(s - 1)].CLOSED) next = s;
+    }
+    find_offsets(line, side);
+    find_steps(line, side, shortest_vehicle);
+  }
+  return true;
+}
+
+/// Cuts the whole line and notes how it stands behind every segment. False where it is no line to bound.
+template <LAYOUT L>
+bool T_HA_BOUNDS::walk(const T_LINE& line) {
   T_OPEN_RANGES open;
   for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
     states_[side].resize(static_cast<std::size_t>(segments_) + 1);
@@ -129,7 +152,7 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
     slivers_[side] = {};
   }
   bool bounded = true;
-  std::array<real, N_SIDES> largest{};  // ordinate of each sign, as a magnitude
+  std::array<real, N_SIDES> largest{};
   const auto note_range = [&](SIDE side, const T_OPEN_RANGE& range) {
     T_RANKED its = ranked(side, range);
     bounded = bounded && its.AREA >= 0 && its.LENGTH >= 0;  // rounding can make a range negative
@@ -169,45 +192,31 @@ bool T_HA_BOUNDS::PREPARE(const T_LINE& line, const T_INTENSITY_BOUNDS& intensit
       state.LENGTH_SUM = states_[side][at - 1].LENGTH_SUM + length;
     }
   }
-  const auto length = static_cast<double>(line.LANE_X(line.n) - line.LANE_X(1));
-  if (!bounded || !(length > 1e-6 && length < 1e9)) return false;
-  open.END(note_range);
-  if (!bounded) return false;
+  if (bounded) open.END(note_range);
+  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) quick_[side].HIGHEST = static_cast<double>(largest[side]);
+  return bounded;
+}
 
-  sum_error_ = segments_ * 0x1p-52;
+/// What rounding may add to the areas beside a zone, and take away from the lengths.
+void T_HA_BOUNDS::find_offsets(const T_LINE& line, SIDE side) {
   // A cut segment lies a rounding of the positions beside the line.
   const double reach =
       std::fabs(static_cast<double>(line.LANE_X(1))) + std::fabs(static_cast<double>(line.LANE_X(line.n)));
-  const double roundings = 3 * (segments_ + 64) * ROUNDING * MARGIN;
-  quick_factor_ = 1 + roundings;
-  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-    std::sort(ranges_[side].begin(), ranges_[side].end(),
-              [](const T_RANKED& a, const T_RANKED& b) { return a.HIGHEST_MEAN > b.HIGHEST_MEAN; });
-    std::int32_t next = 0;
-    for (std::int32_t s = segments_; s >= 0; --s) {
-      T_STATE& state = states_[side][static_cast<std::size_t>(s)];
-      state.NEXT_CLOSE = next;
-      if (s > 0 && state.CLOSED != states_[side][static_cast<std::size_t>(s - 1)].CLOSED) next = s;
-    }
-    const T_STATE& whole = states_[side].back();
-    const auto highest = static_cast<double>(largest[side]);
-    const double smallest_steps = segments_ * SMALLEST_STEP;
-    T_QUICK& quick = quick_[side];
-    quick.NOTHING = highest == 0;
-    quick.AREA_OFFSET = 16 * ROUNDING * highest * reach + 2 * slivers_[side].AREA +
-                        whole.AREA_SUM * sum_error_ + smallest_steps;
-    // Each range that joins a loaded length may lose a rounding of it.
-    const auto loaded = static_cast<double>(ranges_[side].size() + T_OWN_RANGES::MOST);
-    quick.LENGTH_OFFSET = (16 + loaded) * ROUNDING * reach + 2 * slivers_[side].LENGTH +
-                          whole.LENGTH_SUM * roundings + smallest_steps;
-    find_steps(line, side, highest, shortest_vehicle);
-  }
-  return true;
+  const T_STATE& whole = states_[side].back();
+  const double smallest_steps = segments_ * SMALLEST_STEP;
+  T_QUICK& quick = quick_[side];
+  quick.AREA_OFFSET = 16 * ROUNDING * quick.HIGHEST * reach + 2 * slivers_[side].AREA +
+                      whole.AREA_SUM * sum_error_ + smallest_steps;
+  // Each range that joins a loaded length may lose a rounding of it.
+  const auto loaded = static_cast<double>(ranges_[side].size() + T_OWN_RANGES::MOST);
+  quick.LENGTH_OFFSET = (16 + loaded) * ROUNDING * reach + 2 * slivers_[side].LENGTH +
+                        whole.LENGTH_SUM * roundings_ + smallest_steps;
 }
 
-/// The steps of a side whose ordinates are at most `highest` in magnitude.
-void T_HA_BOUNDS::find_steps(const T_LINE& line, SIDE side, double highest, double shortest_vehicle) {
+/// The steps of a side; none where an area tells nothing of a length.
+void T_HA_BOUNDS::find_steps(const T_LINE& line, SIDE side, double shortest_vehicle) {
   T_QUICK& quick = quick_[side];
+  const double highest = quick.HIGHEST;
   quick.STEPS = {};
   quick.LOST_LENGTH = INFINITE;
   if (!intensity_->GROWS_WITH_LENGTH() || !(highest > 1e-30)) return;
@@ -229,7 +238,7 @@ void T_HA_BOUNDS::find_steps(const T_LINE& line, SIDE side, double highest, doub
     T_STEP& step = quick.STEPS[level];
     T_STEP& next = quick.STEPS[level + 1];
     const double top = highest * static_cast<double>(LEVELS - level) / LEVELS;
-    step.LENGTH_A_AREA = 1 / (top * (2 * quick_factor_ - 1));
+    step.LENGTH_A_AREA = 1 / (top * (1 + 2 * roundings_));
     next.AREA = step.AREA + std::max(areas[level], 0.0);
     next.LENGTH = step.LENGTH + (next.AREA - step.AREA) * step.LENGTH_A_AREA;
     next.BEST = std::max(step.BEST, effect_within(step, vehicle, next.AREA, next.LENGTH));
@@ -262,17 +271,17 @@ double T_HA_BOUNDS::area_bound(SIDE side, double area, double vehicle_length) co
   } else {
     effect = area * intensity_->HIGHEST_FROM(vehicle_length);
   }
-  return effect * quick_factor_ + SMALLEST_STEP;
+  return effect * (1 + roundings_) + SMALLEST_STEP;
 }
 
 double T_HA_BOUNDS::ANYWHERE_BOUND(SIDE side, double vehicle_length) const noexcept {
-  if (quick_[side].NOTHING) return 0;
+  if (quick_[side].HIGHEST == 0) return 0;
   return area_bound(side, states_[side].back().AREA_SUM + quick_[side].AREA_OFFSET, vehicle_length);
 }
 
 double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehicle_length) const noexcept {
   const T_QUICK& quick = quick_[side];
-  if (quick.NOTHING) return 0;
+  if (quick.HIGHEST == 0) return 0;
   if (zone.NEAR_INDEX < 1 || zone.FAR_INDEX < zone.NEAR_INDEX) return INFINITE;
   // Of the segments that the zone cuts, the whole area counts, and no length.
   const auto& states = states_[side];
@@ -286,8 +295,8 @@ double T_HA_BOUNDS::QUICK_BOUND(SIDE side, const T_ZONE_PLACE& zone, double vehi
   const double cut_away = sums(std::min(zone.FAR_INDEX, segments_)).LENGTH_SUM -
                           sums(std::max(NEAR_SEGMENT(zone) - 1, 0)).LENGTH_SUM;
   const double loaded = states.back().LENGTH_SUM - cut_away - quick.LENGTH_OFFSET;
-  return area * intensity_->HIGHEST_FROM(vehicle_length + std::max(loaded, 0.0)) * quick_factor_ +
-         SMALLEST_STEP;
+  const double intensity = intensity_->HIGHEST_FROM(vehicle_length + std::max(loaded, 0.0));
+  return area * intensity * (1 + roundings_) + SMALLEST_STEP;
 }
 
 template <LAYOUT L>
@@ -486,7 +495,7 @@ class T_HA_BOUNDS::PREFIXES {
 };
 
 T_BOUNDS T_HA_BOUNDS::BOUND(SIDE side, const T_ZONE_CUT& cut, double vehicle_length, double needed) {
-  if (quick_[side].NOTHING) return {};
+  if (quick_[side].HIGHEST == 0) return {};
   if (!cut.KNOWN) return NO_BOUNDS;
   const T_OWN_RANGES own = own_ranges(side, cut);
   if (!own.ARE_SURE) return NO_BOUNDS;

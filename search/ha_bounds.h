@@ -150,7 +150,10 @@ class T_HA_BOUNDS {
   };
 
   [[nodiscard]] T_RANKED ranked(SIDE side, const T_OPEN_RANGE& range) const noexcept;
-  void find_steps(const T_LINE& line, SIDE side, double highest, double shortest_vehicle);
+  template <LAYOUT L>
+  [[nodiscard]] bool walk(const T_LINE& line);
+  void find_offsets(const T_LINE& line, SIDE side);
+  void find_steps(const T_LINE& line, SIDE side, double shortest_vehicle);
   [[nodiscard]] double effect_within(const T_STEP& from, double vehicle, double area,
                                      double length) const noexcept;
   [[nodiscard]] double area_bound(SIDE side, double area, double vehicle_length) const noexcept;
@@ -165,14 +168,14 @@ class T_HA_BOUNDS {
   };
   std::array<T_SLIVERS, N_SIDES> slivers_;  // all that rounding took away from ranges
   struct T_QUICK {
-    bool NOTHING = false;    // no ordinate of this sign
-    double AREA_OFFSET = 0;  // what rounding may add to an area
-    double LENGTH_OFFSET = 0;
-    double LOST_LENGTH = 0;  // what both may take away from the length that an area needs
+    double HIGHEST = 0;        // ordinate of this sign, as a magnitude; 0: none
+    double AREA_OFFSET = 0;    // what rounding may add to an area
+    double LENGTH_OFFSET = 0;  // what rounding may take away from a length
+    double LOST_LENGTH = 0;    // what both may take away from the length that an area needs
     std::array<T_STEP, LEVELS + 1> STEPS;
   };
   std::array<T_QUICK, N_SIDES> quick_;
-  double quick_factor_ = 1;
+  double roundings_ = 0;  // of an area, a length or an effect, relative
   const T_INTENSITY_BOUNDS* intensity_ = nullptr;
   std::int32_t segments_ = 0;
   real short_range_ = 0;
