@@ -79,7 +79,7 @@ STATUS RUN_KERNEL(const T_REQUEST& request, const T_HOST_RESULTS& host) {
   T_ENVELOPE envelope(0);
   if (STATUS status = work_out(request, *host.NUM_LANE, model, envelope); !status.OK()) return status;
 
-  // From here on nothing fails: the answer stands, and the host's arrays take it.
+  // The answer stands, and the host's arrays take it. Nothing from here on fails or asks for memory.
   *host.NUM_LANE = model.COUNTS.NUM_LANE;
   if (envelope.SEARCHED) {
     *host.FINAL_MAX = envelope.FINAL_MAX;

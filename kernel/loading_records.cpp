@@ -1,6 +1,7 @@
 #include "kernel/loading_records.h"
 
 #include <algorithm>
+#include <span>
 
 #include "search/trimming.h"
 
@@ -18,7 +19,7 @@ void copy_record(const T_RECORD& record, TABLE<std::int32_t, FIELD, LANE> target
 }
 
 /// The first 500 entries of a host's list: the numbers in use, zeros behind.
-void copy_numbers(const T_RANGE_NUMBERS& numbers, TABLE<std::int32_t, NUMBER, LANE> target,
+void copy_numbers(std::span<const std::int32_t> numbers, TABLE<std::int32_t, NUMBER, LANE> target,
                   std::int32_t lane) {
   const auto used = static_cast<std::int32_t>(numbers.size());
   for (std::int32_t i = 1; i <= search::MAX_LOADED; ++i) {
@@ -187,7 +188,6 @@ double zone_length(const std::vector<search::T_VEHICLE>& vehicles, std::int32_t 
 void TRIM_RECORDS(const T_TRIM_TABLES& tables, const T_ENVELOPE& envelope, const T_HOST_RECORDS& host) {
   constexpr std::int32_t FORWARD_PASS = 1;
   search::T_REPORTED_RANGES ranges;
-  ranges.NUMBERS.resize(search::MAX_LOADED);
   for (std::size_t side = 0; side < N_SIDES; ++side) {
     const T_HOST_SIDE& target = host[side];
     for (std::int32_t lane = 1; lane <= lanes_of(envelope); ++lane) {

@@ -75,11 +75,11 @@ void MERGE_LOADED_RANGES(real far_end, real near_end, T_REPORTED_RANGES& ranges)
   }
   ranges.PAIRS = merged;
 
-  const std::size_t room = ranges.NUMBERS.size();
-  std::erase_if(ranges.NUMBERS, [](std::int32_t number) { return number <= 0; });
-  std::sort(ranges.NUMBERS.begin(), ranges.NUMBERS.end());
-  ranges.NUMBERS.erase(std::unique(ranges.NUMBERS.begin(), ranges.NUMBERS.end()), ranges.NUMBERS.end());
-  ranges.NUMBERS.resize(room, 0);
+  auto& numbers = ranges.NUMBERS;
+  auto end = std::remove_if(numbers.begin(), numbers.end(), [](std::int32_t number) { return number <= 0; });
+  std::sort(numbers.begin(), end);
+  end = std::unique(numbers.begin(), end);
+  std::fill(end, numbers.end(), 0);
 }
 
 void TRIM_LOADED_RANGES(real far_end, real near_end, T_REPORTED_RANGES& ranges) {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
 
 #include "common/real.h"
 #include "search/ranges.h"
@@ -16,7 +15,7 @@ namespace search {
 /// A list of pairs ends at the first pair from the second on whose start is 0.
 struct T_REPORTED_RANGES {
   std::array<std::array<real, 2>, MAX_RANGES> PAIRS{};  // start, end
-  std::vector<std::int32_t> NUMBERS;                    // MAX_LOADED range numbers, 0 behind the last
+  std::array<std::int32_t, MAX_LOADED> NUMBERS{};       // of loaded ranges, 0 behind the last
   std::int32_t NO_LOADED_RANGE = 0;
 };
 

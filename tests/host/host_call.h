@@ -65,8 +65,12 @@ struct ARGUMENTS {
   /// One run, into these arguments as they stand.
   void RUN(std::string_view base, std::int32_t mode_code, std::int32_t kind, std::int32_t id,
            std::int32_t item, std::int32_t mv_case) {
+    RUN(std::vector<char>(base.begin(), base.end()), mode_code, kind, id, item, mv_case);
+  }
+  /// The path has no terminator behind it.
+  void RUN(const std::vector<char>& path, std::int32_t mode_code, std::int32_t kind, std::int32_t id,
+           std::int32_t item, std::int32_t mv_case) {
     MODE_CODE = mode_code;
-    const std::vector<char> path(base.begin(), base.end());  // no terminator behind it
     _MOV_KRNL_BS_5400(path.data(), static_cast<std::int32_t>(path.size()), kind, id, item, mv_case, &NUM_LANE,
                       &FINAL_MAX, &FINAL_MIN, K_MXLOAD.values.data(), K_MNLOAD.values.data(), &MODE_CODE,
                       K_MAXINFL_S.values.data(), K_MININFL_S.values.data(), K_MXLOAD1ST.values.data(),

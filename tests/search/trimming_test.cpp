@@ -16,12 +16,11 @@ namespace {
 using PAIRS = std::vector<std::array<float, 2>>;
 using NUMBERS = std::vector<std::int32_t>;
 
-search::T_REPORTED_RANGES ranges_of(const PAIRS& pairs, NUMBERS numbers) {
+search::T_REPORTED_RANGES ranges_of(const PAIRS& pairs, const NUMBERS& numbers) {
   search::T_REPORTED_RANGES ranges;
   std::copy(pairs.begin(), pairs.end(), ranges.PAIRS.begin());
   ranges.NO_LOADED_RANGE = static_cast<std::int32_t>(numbers.size());
-  numbers.resize(search::MAX_LOADED);
-  ranges.NUMBERS = std::move(numbers);
+  std::copy(numbers.begin(), numbers.end(), ranges.NUMBERS.begin());
   return ranges;
 }
 
@@ -81,7 +80,6 @@ TEST(trimming, equals_the_plain_steps_on_random_lists) {
     RANDOM random(seed);
     plain::REPORTED judged;
     search::T_REPORTED_RANGES ranges;
-    ranges.NUMBERS.resize(search::MAX_LOADED);
     // Ends on a coarse grid, so that those of ranges and zones often meet; sometimes in no order.
     const int count = random.one_in(20) ? random.between(95, 100) : random.below(8);
     const float grid = random.one_in(2) ? 1.0F : 0.1F;
