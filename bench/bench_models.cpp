@@ -37,20 +37,29 @@ const std::filesystem::path& folder() {
   return its_folder.PATH;
 }
 
-modelkit::T_LANE deck_lane(std::int32_t lane) {
-  modelkit::T_LANE result;
-  result.entries_per_point = ENTRIES;
+/// A lane whose entry e at point k, both from 0, is shared by a unit load and the next one.
+/// `shared_load(k, e)` gives the load, and the share of the next.
+template <class SHARED_LOAD>
+modelkit::T_LANE lane_of(SHARED_LOAD shared_load) {
+  modelkit::T_LANE lane;
+  lane.entries_per_point = ENTRIES;
   for (std::int32_t k = 0; k < POINTS; ++k) {
     modelkit::T_INFLUENCE_POINT point;
     point.x = 0.2 * k;
     for (std::int32_t e = 0; e < ENTRIES; ++e) {
-      const std::int32_t load = (k * 2 + 37 * lane + e) % (LOADS - 1) + 1;
-      const double share = 0.05 + 0.1 * e;
-      point.entries.push_back({{load, 1.0 - share}, {load + 1, share}});
+      const std::pair<std::int32_t, double> shared = shared_load(k, e);
+      point.entries.push_back({{shared.first, 1.0 - shared.second}, {shared.first + 1, shared.second}});
     }
-    result.points.push_back(std::move(point));
+    lane.points.push_back(std::move(point));
   }
-  return result;
+  return lane;
+}
+
+/// The loads of an entry lie anywhere.
+modelkit::T_LANE deck_lane(std::int32_t lane) {
+  return lane_of([lane](std::int32_t k, std::int32_t e) {
+    return std::pair((k * 2 + 37 * lane + e) % (LOADS - 1) + 1, 0.05 + 0.1 * e);
+  });
 }
 
 modelkit::T_MODEL deck(std::int32_t lanes, std::int32_t combinations) {
@@ -82,18 +91,8 @@ modelkit::T_MODEL deck(std::int32_t lanes, std::int32_t combinations) {
 
 /// The lanes run over the three spans; each point leans on the unit loads next to it.
 modelkit::T_LANE bridge_lane(std::int32_t lane) {
-  modelkit::T_LANE result;
-  result.entries_per_point = ENTRIES;
-  for (std::int32_t k = 0; k < POINTS; ++k) {
-    modelkit::T_INFLUENCE_POINT point;
-    point.x = 0.2 * k;
-    for (std::int32_t e = 0; e < ENTRIES; ++e) {
-      const double share = 0.1 * ((lane + e) % 10);
-      point.entries.push_back({{2 * k + 1, 1.0 - share}, {2 * k + 2, share}});
-    }
-    result.points.push_back(std::move(point));
-  }
-  return result;
+  return lane_of(
+      [lane](std::int32_t k, std::int32_t e) { return std::pair(2 * k + 1, 0.1 * ((lane + e) % 10)); });
 }
 
 modelkit::T_MODEL bridge() {

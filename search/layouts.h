@@ -31,7 +31,7 @@ struct T_ORDINATE {
   real LOWER = 0;
 };
 
-/// Rows with one value a point: all result routines but those of beams and walls.
+/// Rows with one value a point: all results but the section forces of beams and walls.
 /// Repeated points are dropped before the search.
 struct SIMPLE_LAYOUT {
   static constexpr bool SKIPS_ZERO_LENGTH = true;  // a segment without length is passed over
@@ -46,7 +46,7 @@ struct SIMPLE_LAYOUT {
   }
 };
 
-/// Rows of the beam and wall routines, whose influence lines may jump. Repeated points stay, for a jump can
+/// Rows of section forces of beams and walls, whose influence lines may jump. Repeated points stay, for a jump can
 /// stand between them; an axle that stands on a jump counts with its worse side.
 struct JUMP_LAYOUT {
   static constexpr bool SKIPS_ZERO_LENGTH = false;
