@@ -68,12 +68,14 @@ void WRITE_ELEMENT_FILES(const T_MODEL& model, const std::string& directory_file
     std::size_t id = 1;
     for (int file_no = 1; file_no <= MOST_FILES; ++file_no) {
       const std::string path = stem + std::to_string(file_no);
-      if (id == responses.size()) {
+      const std::size_t end = std::min(id + per_file, responses.size());
+      if (std::all_of(responses.data() + id, responses.data() + end, [](const auto* r) { return !r; })) {
         std::filesystem::remove(path);
+        id = end;
         continue;
       }
       std::ofstream out(path, std::ios::binary | std::ios::trunc);
-      for (const std::size_t end = std::min(id + per_file, responses.size()); id < end; ++id) {
+      for (; id < end; ++id) {
         const std::vector<std::uint32_t> words = element_records(family, model.unit_loads, responses[id]);
         out.write(reinterpret_cast<const char*>(words.data()),
                   static_cast<std::streamsize>(words.size() * sizeof words[0]));

@@ -169,7 +169,8 @@ void add_section_forces(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
 /// The bearings as struts: a reaction is the force in both ends, in compression.
 void add_bearings(T_MODEL& model) {
   for (const T_RESPONSE& support : model.reac) {
-    const int number = static_cast<int>(model.trusses.size()) + 1;
+    const int place = static_cast<int>(model.trusses.size());
+    const int number = BRIDGE_BEARING(place / BRIDGE_BEAMS + 1, place % BRIDGE_BEAMS + 1);
     std::vector<float> force = support.values[VERTICAL];
     for (float& value : force) value = -value;
     model.trusses.push_back({.id = number, .values = std::vector(TRUSS_VALUES, force)});
@@ -193,7 +194,7 @@ void add_beams(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
 /// A metre of slab between two beams, whose strip of the grillage gives its forces per metre.
 void add_panels(T_MODEL& model, const T_GRILLAGE_RESPONSES& deck) {
   for (int panel = 1; panel < BRIDGE_BEAMS; ++panel) {
-    T_RESPONSE response = no_response(panel, PLATE_VALUES, deck);
+    T_RESPONSE response = no_response(BRIDGE_PANEL(panel), PLATE_VALUES, deck);
     const std::array<int, 1> strip = {slab_member(35, panel)};
     for (int load = 1; load <= deck.LOADS(); ++load) {
       const T_SECTION_FORCES middle = deck.BEAM_FORCES(load, strip, 0.5).load_behind;

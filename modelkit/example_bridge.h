@@ -16,11 +16,14 @@
 //                and y (to its right), right-handed with z downward
 //   REAC         the nodes over the supports: item 3 reaction, upward
 //   SIMB         id = beam, items as BRIDGE_ITEM: section forces, moments sagging
-//   beams        5 * (span - 1) + beam, from 1 to 15: a beam over a whole span; items as in beam_results.h
-//   trusses      the bearings in the order of REAC, 5 * (support - 1) + beam, from 1 to 20: items 1 and 2,
-//                the force in either end, tension positive
-//   plates       1 to 4, the metre of slab between the beams 1 and 2, 2 and 3 and so on, in the middle of
+//   beams        10 + 5 * (span - 1) + beam, from 11 to 25: a beam over a whole span; items as in
+//                beam_results.h
+//   trusses      the bearings in the order of REAC, 30 + 5 * (support - 1) + beam, from 31 to 50: items 1 and
+//                2, the force in either end, tension positive
+//   plates       51 to 54, the metre of slab between the beams 1 and 2, 2 and 3 and so on, in the middle of
 //                the main span; form 1, items as BRIDGE_PANEL_ITEM
+//
+// No two elements share a number, of whatever kind they are, so that influence volumes can hold them too.
 //
 // A beam's sections at its quarter points lie just before their nodes, and with them before the strip of slab
 // there. A load that passes such a section changes its shear by 1. The lanes' points half a metre before and
@@ -62,7 +65,17 @@ int BRIDGE_LOADED_NODE(int load);
 
 /// Element of a beam over a span, 1 to 3.
 constexpr int BRIDGE_BEAM(int span, int beam) {
-  return BRIDGE_BEAMS * (span - 1) + beam;
+  return 10 + BRIDGE_BEAMS * (span - 1) + beam;
+}
+
+/// Truss of a beam's bearing on a support, 1 to 4.
+constexpr int BRIDGE_BEARING(int support, int beam) {
+  return 30 + BRIDGE_BEAMS * (support - 1) + beam;
+}
+
+/// Plate of the slab between a beam and the next one.
+constexpr int BRIDGE_PANEL(int beam) {
+  return 50 + beam;
 }
 
 /// Components of the slab panels, in kNm and kN per metre of bridge; the others of the eight are 0.

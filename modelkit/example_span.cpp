@@ -117,7 +117,8 @@ T_MODEL SIMPLE_SPAN_MODEL(double span, int points, const T_SPAN_LANE& lane) {
     return std::vector<double>{simple_moment(span, 0.5 * span, a), 1.0 - a / span};
   });
   const std::vector<LOAD_SIDE> sides(stations.size(), LOAD_SIDE::BOTH);
-  model.beams = {BEAM_RESPONSE(1, sides, {}, [&](int load, double part) {
+  model.elements_per_file = 1;
+  model.beams = {BEAM_RESPONSE(SPAN_BEAM, sides, {}, [&](int load, double part) {
     return simple_forces(span, part * span, stations[static_cast<std::size_t>(load) - 1]);
   })};
   return model;

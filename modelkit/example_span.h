@@ -31,9 +31,12 @@ struct T_SPAN_LANE {
 /// Components of SIMB 1 of the simple span.
 enum SPAN_ITEM : int { SPAN_MIDSPAN_MOMENT = 1, SPAN_END_SHEAR = 2 };
 
+inline constexpr int SPAN_BEAM = 2;
+
 /// A simply supported span of `span` m with `points` equidistant influence points. An odd number puts one at
 /// midspan, where the knife edge belongs. END_SHEAR is the reaction of the support at the lane's start. Beam
-/// element 1 is the span too, with its forces at five stations (beam_results.h) and section moduli of 1.
+/// element SPAN_BEAM is the span too, with its forces at five stations (beam_results.h) and section moduli of
+/// 1. Its number is another than that of SIMB, so that influence volumes can hold both.
 ///
 /// By hand, for the midspan moment w L^2 / 8 + 120 L / 4: 3093.75 kNm at 25 m, 4275 kNm at 30 m and, with
 /// w = 151 (1/50)^0.475, 8858.96 kNm at 50 m; the end shear w L / 2 + 120 at 25 m is 495 kN.

@@ -29,10 +29,10 @@ ask() {
 for loading in "1 ha HA" "7 hb HB and HA"; do
   read -r mv_case name words <<<"$loading"
   ask "midspan-moment-$name.png" "Moment at midspan of the main span, inner beam, $words" kNm \
-    --kind beam --id 8 --item 17 --case "$mv_case"
+    --kind beam --id 18 --item 17 --case "$mv_case"
   ask "pier-moment-$name.png" "Moment over pier 1, inner beam, $words" kNm \
-    --kind beam --id 8 --item 5 --case "$mv_case"
+    --kind beam --id 18 --item 5 --case "$mv_case"
   ask "pier-shear-$name.png" "Shear behind pier 1, inner beam, $words" kN \
-    --kind beam --id 8 --item 3 --case "$mv_case"
+    --kind beam --id 18 --item 3 --case "$mv_case"
 done
 ask pier-reaction-hb.png "Reaction on pier 1, edge beam, HB and HA" kN --kind reac --id 101 --item 3 --case 7

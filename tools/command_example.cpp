@@ -22,6 +22,7 @@
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
+#include "modelkit/volume_writer.h"
 #include "tools/progress.h"
 #include "tools/result_points.h"
 #include "tools/text_layout.h"
@@ -36,6 +37,7 @@ struct T_EXAMPLE_OPTIONS {
   std::string folder;
   std::string which = "bridge";
   std::vector<double> spans;
+  bool included_set = false;
   bool force = false;
 };
 
@@ -58,7 +60,11 @@ struct T_EXAMPLE_FILES {
 struct T_WRITTEN_FILES {
   fs::path directory_file;
   int element_files = 0;
+  std::vector<fs::path> volumes;  // one of each set, the primary one first
 };
+
+constexpr std::string_view FIRST_VOLUME = "_000.BLK";
+constexpr std::string_view INCLUDED_SET = "_included";  // behind the model's base name
 
 T_EXAMPLE_FILES bridge() {
   modelkit::T_EXAMPLE example = modelkit::EXAMPLE_BRIDGE();
@@ -97,7 +103,7 @@ T_EXAMPLE_FILES simple_span(double span) {
   files.suggestions = {{fmt::format("moment at midspan, in kNm; by hand {:.2f}", moment_by_hand(span)),
                         "simb", 1, modelkit::SPAN_MIDSPAN_MOMENT},
                        {"shear at the lane's start, in kN", "simb", 1, modelkit::SPAN_END_SHEAR},
-                       {"shear at midspan, in kN", "beam", 1,
+                       {"shear at midspan, in kN", "beam", modelkit::SPAN_BEAM,
                         modelkit::BEAM_FORCE_ITEM(modelkit::BEAM_MIDDLE, modelkit::BEAM_SHEAR)}};
   return files;
 }
@@ -146,24 +152,31 @@ std::string contents(const fs::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// What stands behind the extension in the names of a model's files: of the element files that there may be
-/// family and number, and of the block directory file nothing.
+/// What stands behind the stem in the names of the files that a model may have. The block directory file, by
+/// which all others are found, comes last.
 std::vector<std::string> name_ends() {
+  const std::string extension = modelkit::FILE_EXTENSION(0);
   std::vector<std::string> ends;
   for (const char family : kernel::ELEMENT_FAMILIES)
-    for (const char number : std::string_view("123456789")) ends.push_back({family, number});
-  ends.emplace_back();
+    for (const char number : std::string_view("123456789")) ends.push_back(extension + family + number);
+  ends.emplace_back(FIRST_VOLUME);
+  ends.push_back(fmt::format("{}{}", INCLUDED_SET, FIRST_VOLUME));
+  ends.push_back(extension);
   return ends;
+}
+
+/// Block directory file, element files and influence volumes under one base name.
+void write_model(const modelkit::T_MODEL& model, bool has_included_set, const std::string& base_name) {
+  modelkit::WRITE_MODEL(model, base_name);
+  modelkit::WRITE_VOLUMES(model, base_name, {.included_loads = has_included_set ? model.unit_loads / 2 : 0},
+                          base_name + std::string(INCLUDED_SET));
 }
 
 /// Writes beside the files' place and then moves there, so that a file of other contents is never lost.
 T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTIONS& options) {
   const fs::path folder(options.folder);
-  const std::string extension = modelkit::FILE_EXTENSION(0);
-  const auto target = [&](const std::string& end) { return folder / (files.stem + extension + end); };
-  const auto new_file = [&](const std::string& end) {
-    return folder / (files.stem + ".new" + extension + end);
-  };
+  const auto target = [&](const std::string& end) { return folder / (files.stem + end); };
+  const auto new_file = [&](const std::string& end) { return folder / (files.stem + ".new" + end); };
   std::error_code error;
   const auto fail = [&](const std::string& reason, const std::string& advice) {
     for (const std::string& end : name_ends()) fs::remove(new_file(end), error);
@@ -175,7 +188,7 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
                          "name a folder in which you may write");
   }
   try {
-    modelkit::WRITE_MODEL(files.model, (folder / (files.stem + ".new")).string());
+    write_model(files.model, options.included_set, new_file("").string());
   } catch (const std::runtime_error& failure) {
     fail(failure.what(), "name a folder in which you may write, with room on its disk");
   }
@@ -185,17 +198,23 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
       fail(fmt::format("{}: there is already a file of this name, with other contents", target(end).string()),
            "name another folder, or add --force to replace the file");
   }
-  T_WRITTEN_FILES written{.directory_file = target("")};
+  T_WRITTEN_FILES written;
   for (const std::string& end : name_ends()) {
     if (!fs::exists(new_file(end), error)) {
-      fs::remove(target(end), error);  // an element file that the model before had
+      fs::remove(target(end), error);  // that the model before had
       continue;
     }
     fs::rename(new_file(end), target(end), error);
     if (error)
       fail(fmt::format("{}: the file can't be put there: {}", target(end).string(), error.message()),
            "name another folder");
-    if (!end.empty()) ++written.element_files;
+    if (end.ends_with(FIRST_VOLUME)) {
+      written.volumes.push_back(target(end));
+    } else if (end == modelkit::FILE_EXTENSION(0)) {
+      written.directory_file = target(end);
+    } else {
+      ++written.element_files;
+    }
   }
   return written;
 }
@@ -210,6 +229,27 @@ std::string shell_word(const std::string& text) {
   return quoted + "'";
 }
 
+std::string name_and_size(const fs::path& file) {
+  return fmt::format("{} ({} bytes)", file.string(), fs::file_size(file));
+}
+
+std::string written_text(const T_WRITTEN_FILES& written) {
+  std::string text = "Written: " + name_and_size(written.directory_file);
+  if (written.element_files > 0)
+    text +=
+        fmt::format(" and {} element file{}", written.element_files, written.element_files == 1 ? "" : "s");
+  text += ",\n  and the same responses as influence volumes: ";
+  for (const fs::path& volume : written.volumes)
+    text += (&volume == written.volumes.data() ? "" : ",\n  the first unit loads in an included set: ") +
+            name_and_size(volume);
+  return text;
+}
+
+std::string envelope_command(const T_SUGGESTION& suggestion, const std::string& base) {
+  return fmt::format("  movload envelope {} --kind {} --id {} --item {} --case {}", base, suggestion.kind,
+                     suggestion.id, suggestion.item, suggestion.mv_case);
+}
+
 void run(const T_EXAMPLE_OPTIONS& options) {
   T_EXAMPLE_FILES files;
   T_WRITTEN_FILES written;
@@ -218,21 +258,16 @@ void run(const T_EXAMPLE_OPTIONS& options) {
     files = make_example(options);
     written = write_files(files, options);
   }
-  const fs::path& file = written.directory_file;
-  const std::string base = shell_word((file.parent_path() / files.stem).string());
-  std::string text =
-      fmt::format("{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
-                  file.string(), fs::file_size(file),
-                  written.element_files == 0 ? ""
-                                             : fmt::format(" and {} element file{}", written.element_files,
-                                                           written.element_files == 1 ? "" : "s"),
-                  base);
-  for (const T_SUGGESTION& suggestion : files.suggestions) {
-    text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case {}\n",
-                        suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item,
-                        suggestion.mv_case);
-  }
-  PRINT(text);
+  const std::string path = (written.directory_file.parent_path() / files.stem).string();
+  const std::string base = shell_word(path);
+  std::string text = fmt::format("{}\n\n{}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
+                                 written_text(written), base);
+  for (const T_SUGGESTION& suggestion : files.suggestions)
+    text += fmt::format("  # {}\n{}\n", suggestion.meaning, envelope_command(suggestion, base));
+  text += fmt::format("  # the last one from the influence volumes\n{} --store",
+                      envelope_command(files.suggestions.back(), base));
+  if (options.included_set) text += " --include " + shell_word(fmt::format("{}{}", path, INCLUDED_SET));
+  PRINT(text + '\n');
 }
 
 /// Spans go with the examples that have them: none with the bridge, one or two with the others.
@@ -269,11 +304,18 @@ void ADD_EXAMPLE_COMMAND(CLI::App& program) {
       ->expected(1, 2)
       ->check(CLI::Range(1.0, 1000.0))
       ->type_name("METRES");
+  command.add_flag("--included-set", options->included_set,
+                   "Put the first half of the unit loads into influence volumes of their\n"
+                   "own, which runs on the others then need beside them");
   command.add_flag("--force", options->force, "Replace a file of the same name that has other contents");
   command.footer(
+      "Every model is written in both forms: block directory file and element files, and the same responses\n"
+      "in influence volumes beside them.\n"
       "Examples:\n"
-      "  movload example demo                          writes demo/bridge.ZA3\n"
-      "  movload example demo --which span --span 50   writes demo/span.ZA3");
+      "  movload example demo                          writes demo/bridge.ZA3 with its element files and\n"
+      "                                                demo/bridge_000.BLK\n"
+      "  movload example demo --which span --span 50   writes demo/span.ZA3 and demo/span_000.BLK\n"
+      "  movload example split --included-set          writes split/bridge_included_000.BLK too");
   command.callback([options] {
     check_spans(*options);
     run(*options);

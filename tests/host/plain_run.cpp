@@ -131,9 +131,15 @@ class JUDGE {
     if (!family_->OF_ELEMENTS) return responses.empty() && kind_ != MOVLOAD_RK_LDSP;
     constexpr int FILES = 9;
     const int per_file = model_.elements_per_file;
+    if (per_file < 1 || id_ < 1) return true;
+    const int file = (id_ - 1) / per_file;
     int last = 0;
-    for (const T_RESPONSE& response : responses) last = std::max(last, response.id);
-    return per_file < 1 || id_ < 1 || id_ > last || (id_ - 1) / per_file >= FILES;
+    bool is_written = false;  // the file, if there is a response in it
+    for (const T_RESPONSE& response : responses) {
+      last = std::max(last, response.id);
+      is_written = is_written || (response.id >= 1 && (response.id - 1) / per_file == file);
+    }
+    return !is_written || id_ > last || file >= FILES;
   }
 
   void run(std::int32_t analysis_code, std::int32_t mv_case) {
