@@ -147,8 +147,11 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
         fmt::format("The loads drawn don't add up to the {}: the records don't tell the whole loading.",
                     column.drawn.side == MAXIMUM ? "maximum" : "minimum"));
   }
-  notes.push_back(
-      fmt::format("movload {}, {}", movload_version(), fs::path(report.file.file_name).filename().string()));
+  std::vector<std::string> files{report.file.file_name};
+  if (!report.source.included_base.empty()) files.push_back(FIRST_VOLUME(report.source.included_base));
+  if (report.source.in_volumes) files.push_back(FIRST_VOLUME(report.file.base_name));
+  for (std::string& file : files) file = fs::path(file).filename().string();
+  notes.push_back(fmt::format("movload {}, {}", movload_version(), fmt::join(files, ", ")));
   return notes;
 }
 

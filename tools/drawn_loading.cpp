@@ -504,7 +504,8 @@ bool T_DRAWN_SIDE::ADDS_UP() const {
   return std::fabs(sum - value) <= ROUNDING * std::fabs(value);
 }
 
-std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report, const kernel::T_MODEL& model) {
+std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report, const kernel::T_MODEL& model,
+                                         store::INFLUENCE_STORE& store) {
   std::array<T_DRAWN_SIDE, 2> sides;
   for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) {
     sides[side].side = side;
@@ -518,11 +519,14 @@ std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report, const 
   request.RESULT_KIND = report.kind->result_kind;
   request.RESULT_ID = report.id;
   request.RESULT_ITEM = report.item;
+  request.STORE_MODE = report.source.in_volumes;
+  request.STORE = &store;
   kernel::RECORD_FILE unit;
   results::T_RESPONSE response;
   const STATUS status = results::READ_RESPONSE(model, request, kernel::COMPONENT_OF(request), unit, response);
   if (!status.OK()) {
-    const std::string line = FAILURE_LINE(status, report.file.file_name);
+    const std::string line =
+        FAILURE_LINE(status, status.in_volume ? store.FAULTY_VOLUME() : report.file.file_name);
     throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
   }
   const ROW_LAYOUT layout = response.FAMILY == nullptr ? ROW_LAYOUT::SIMPLE : response.FAMILY->LAYOUT;

@@ -92,9 +92,11 @@ struct T_DRAWN_SIDE {
 };
 
 /// Both sides of a report, by HOST_SIDE; without lanes where neither is governed. Reads the response once
-/// more, and throws T_TOOL_FAILURE where it can't be read.
+/// more, from the store where the report's source is volumes, and throws T_TOOL_FAILURE where it can't be
+/// read.
 [[nodiscard]] std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report,
-                                                       const kernel::T_MODEL& model);
+                                                       const kernel::T_MODEL& model,
+                                                       store::INFLUENCE_STORE& store);
 
 /// Gives the UDL of each lane the stretches that are drawn. Where the drawing isn't that of the records, in
 /// the value of the side or in the intensity on the lane, the UDL stays without.

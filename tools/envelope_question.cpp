@@ -20,14 +20,16 @@
 namespace tools {
 namespace {
 
-/// What the answer is told with: tables that a host doesn't get.
+/// What the answer is told with: tables that a host doesn't get, and the responses in volumes.
 struct T_BACKGROUND {
   kernel::T_MODEL model;
   std::vector<std::string> vehicle_names;
   T_RESULT_POINTS points;
+  store::INFLUENCE_STORE store;  // open where responses come from volumes
 };
 
-T_BACKGROUND read_background(const T_MODEL_FILE& file, const T_KIND& kind) {
+void read_background(const T_MODEL_FILE& file, const T_RESPONSE_SOURCE& source, const T_KIND& kind,
+                     T_BACKGROUND& background) {
   const auto check = [&file](const STATUS& status) {
     if (status.OK()) return;
     const std::string line = FAILURE_LINE(status, file.file_name);
@@ -36,14 +38,17 @@ T_BACKGROUND read_background(const T_MODEL_FILE& file, const T_KIND& kind) {
   kernel::T_REQUEST request;
   request.FILE_NAME = file.file_name;
   request.ANALYSIS_CODE = file.analysis_code;
-  T_BACKGROUND background;
   kernel::RECORD_FILE unit;
   constexpr std::int32_t ANY_NUMBER_OF_LANES = std::numeric_limits<std::int32_t>::max();
   check(kernel::READ_MODEL(unit, request, ANY_NUMBER_OF_LANES, background.model));
   const kernel::T_COUNTS& counts = background.model.COUNTS;
   check(READ_VEHICLE_NAMES(unit, file.file_name, counts, background.vehicle_names));
-  check(READ_RESULT_POINTS(unit, file.file_name, counts, kind, background.points));
-  return background;
+  if (!source.in_volumes) {
+    check(READ_RESULT_POINTS(unit, file.file_name, counts, kind, background.points));
+    return;
+  }
+  OPEN_VOLUMES(file, source, counts, background.store);
+  background.points = STORED_POINTS(background.store, counts, kind);
 }
 
 /// The numbers of the model's BS 5400 vehicles, where they agree in what `same` compares; the records don't
@@ -114,15 +119,17 @@ std::vector<std::string> notes_on(const T_ENVELOPE_QUESTION& question, const T_B
 }
 
 /// Asks the library. Of an element beyond the files it can only say which record is missing.
-T_HOST_ANSWER ask(const T_HOST_QUESTION& question, const std::string& file_name, const T_KIND& kind) {
+T_HOST_ANSWER ask(const T_HOST_QUESTION& question, const T_MODEL_FILE& file, const T_RESPONSE_SOURCE& source,
+                  const T_KIND& kind) {
   try {
     return RUN_AS_HOST(question);
   } catch (const T_TOOL_FAILURE& failure) {
+    if (source.in_volumes) throw T_TOOL_FAILURE(failure.what(), ADVICE_FOR(failure.what(), file, source));
     kernel::RECORD_FILE unit;
     kernel::T_COUNTS counts;
     T_RESULT_POINTS points;
-    const bool is_element = kernel::READ_COUNTS(unit, file_name, counts).OK() &&
-                            READ_RESULT_POINTS(unit, file_name, counts, kind, points).OK() &&
+    const bool is_element = kernel::READ_COUNTS(unit, file.file_name, counts).OK() &&
+                            READ_RESULT_POINTS(unit, file.file_name, counts, kind, points).OK() &&
                             points.IS_IN_ELEMENT_FILES();
     if (!is_element || points.HOLDS(question.result_id)) throw;
     throw T_TOOL_FAILURE(failure.what(),
@@ -142,6 +149,7 @@ std::string kind_help() {
 
 void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question) {
   ADD_MODEL_OPTIONS(command, question.model);
+  ADD_VOLUME_OPTIONS(command, question.source);
   command.add_option("--kind", question.kind, kind_help())
       ->required()
       ->check(CLI::Validator(
@@ -161,21 +169,27 @@ T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
   T_ENVELOPE_ANSWER result;
   T_ENVELOPE_REPORT& report = result.report;
   report.file = question.model.FIND_FILE();
+  report.source = question.source;
   report.kind = &kind;
   report.id = question.id;
   report.item = question.item;
   report.mv_case = question.mv_case;
 
+  constexpr std::int32_t STORE_MODE = 100;
+  const bool in_volumes = question.source.in_volumes;
   const T_PROGRESS progress(
       fmt::format("searching {} {} of {}", kind.name, question.id, report.file.file_name));
   const T_HOST_ANSWER answer = ask({.base_name = report.file.base_name,
-                                    .mode_code = report.file.analysis_code,
+                                    .mode_code = report.file.analysis_code + (in_volumes ? STORE_MODE : 0),
+                                    .included_base = question.source.included_base,
                                     .result_kind = kind.result_kind,
                                     .result_id = question.id,
                                     .result_item = question.item,
                                     .mv_case = question.mv_case},
-                                   report.file.file_name, kind);
-  T_BACKGROUND background = read_background(report.file, kind);
+                                   report.file, question.source, kind);
+  T_BACKGROUND background;
+  read_background(report.file, question.source, kind, background);
+  if (in_volumes) CHECK_ELEMENT(background.store, background.points, question.id);
   const kernel::T_COUNTS& counts = background.model.COUNTS;
   report.searched = answer.searched;
   report.cases = counts.N_MV_CASE;
@@ -195,7 +209,7 @@ T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
   }
   report.notes = notes_on(question, background, report.sides);
   result.model = std::move(background.model);
-  result.drawn = DRAW_LOADING(report, result.model);
+  result.drawn = DRAW_LOADING(report, result.model, background.store);
   for (const HOST_SIDE side : {MAXIMUM, MINIMUM}) TELL_STRETCHES(result.drawn[side], report.sides[side]);
   return result;
 }

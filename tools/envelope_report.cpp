@@ -263,6 +263,12 @@ ordered_json side_json(const T_ENVELOPE_REPORT& report, HOST_SIDE side) {
 std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
   std::string text = fmt::format("{}: {} {}, item {} ({})\n", report.file.file_name, report.kind->name,
                                  report.id, report.item, RESULT_MEANING(*report.kind, report.item));
+  if (report.source.in_volumes) {
+    text += "Responses: influence volumes " + FIRST_VOLUME(report.file.base_name);
+    if (!report.source.included_base.empty())
+      text += " and the included " + FIRST_VOLUME(report.source.included_base);
+    text += '\n';
+  }
   if (!report.searched) return text + "Nothing was searched.\n";
   text += is_in_files(report)
               ? fmt::format("Moving load case {} of {}, {} combination{}\n\n", report.mv_case, report.cases,
@@ -289,8 +295,11 @@ std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
 }
 
 std::string ENVELOPE_JSON(const T_ENVELOPE_REPORT& report) {
+  const std::string& included = report.source.included_base;
   const ordered_json json{{"file", report.file.file_name},
                           {"analysis_code", report.file.analysis_code},
+                          {"responses", report.source.in_volumes ? "influence volumes" : "block files"},
+                          {"included_set", included.empty() ? ordered_json() : ordered_json(included)},
                           {"kind", report.kind->name},
                           {"result_kind", report.kind->result_kind},
                           {"id", report.id},

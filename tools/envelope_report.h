@@ -10,11 +10,13 @@
 #include "tools/governing_loading.h"
 #include "tools/model_files.h"
 #include "tools/result_points.h"
+#include "tools/volumes.h"
 
 namespace tools {
 
 struct T_ENVELOPE_REPORT {
   T_MODEL_FILE file;
+  T_RESPONSE_SOURCE source;
   const T_KIND* kind = nullptr;
   std::int32_t id = 0;
   std::int32_t item = 0;

@@ -36,6 +36,10 @@ T_HOST_ANSWER RUN_AS_HOST(const T_HOST_QUESTION& question) {
   _MOV_KRNL_BS_5400_NUM_LANE(path, path_len, &mode_code, &answer.lanes);
   if (mode_code == -1) fail();
 
+  if (!question.included_base.empty()) {
+    const auto length = static_cast<std::int32_t>(question.included_base.size());
+    SET_INCLUDE_BLK_BS5400(&length, question.included_base.data());
+  }
   answer.sides.fill(side_arrays(static_cast<std::size_t>(answer.lanes)));
   T_HOST_SIDE_ARRAYS& max = answer.sides[MAXIMUM];
   T_HOST_SIDE_ARRAYS& min = answer.sides[MINIMUM];

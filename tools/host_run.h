@@ -30,6 +30,7 @@ struct T_HOST_ANSWER {
 struct T_HOST_QUESTION {
   std::string base_name;
   std::int32_t mode_code = 0;
+  std::string included_base;  // of influence volumes; empty: none
   std::int32_t result_kind = 0;
   std::int32_t result_id = 0;
   std::int32_t result_item = 0;
