@@ -4,6 +4,7 @@
 #include <bit>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <stdexcept>
 
 #include "modelkit/model_writer.h"
@@ -69,7 +70,8 @@ void WRITE_ELEMENT_FILES(const T_MODEL& model, const std::string& directory_file
     for (int file_no = 1; file_no <= MOST_FILES; ++file_no) {
       const std::string path = stem + std::to_string(file_no);
       const std::size_t end = std::min(id + per_file, responses.size());
-      if (std::all_of(responses.data() + id, responses.data() + end, [](const auto* r) { return !r; })) {
+      const std::span in_file(responses.data() + id, responses.data() + end);
+      if (std::ranges::count(in_file, nullptr) == std::ssize(in_file)) {
         std::filesystem::remove(path);
         id = end;
         continue;

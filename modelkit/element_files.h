@@ -31,8 +31,9 @@ struct T_ELEMENT_FAMILY {
 std::array<T_ELEMENT_FAMILY, 5> ELEMENT_FAMILIES(const T_MODEL& model);
 
 /// Writes the files beside a block directory file and removes older ones that the model has no elements for.
-/// Elements without a response are written as zeros, files of none but such aren't written. Throws std::runtime_error, with the file's name in the
-/// text, if a file can't be written, and for more than nine files of a family.
+/// Elements without a response are written as zeros; a file of none but such isn't written. Throws
+/// std::runtime_error, with the file's name in the text, if a file can't be written, and for more than nine
+/// files of a family.
 void WRITE_ELEMENT_FILES(const T_MODEL& model, const std::string& directory_file);
 
 }  // namespace modelkit

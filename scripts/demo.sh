@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library and its command line tool, writes the example bridge and asks for forces
 # of the inner beam: its moment at midspan of the main span and over the first pier, and its shear behind that pier,
-# each under HA alone and with an HB on the bridge; then for a reaction. It prints the envelopes and draws their
-# loadings.
+# each under HA alone and with an HB on the bridge; then for a reaction, from either form of the model's files. It
+# prints the envelopes and draws their loadings.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
@@ -35,4 +35,7 @@ for loading in "1 ha HA" "7 hb HB and HA"; do
   ask "pier-shear-$name.png" "Shear behind pier 1, inner beam, $words" kN \
     --kind beam --id 18 --item 3 --case "$mv_case"
 done
-ask pier-reaction-hb.png "Reaction on pier 1, edge beam, HB and HA" kN --kind reac --id 101 --item 3 --case 7
+reaction=(--kind reac --id 101 --item 3 --case 7)
+ask pier-reaction-hb.png "Reaction on pier 1, edge beam, HB and HA" kN "${reaction[@]}"
+printf '\nThe same from the influence volumes:\n$ movload envelope %s/bridge %s --store\n' "$example" "${reaction[*]}"
+"$movload" envelope "$example/bridge" "${reaction[@]}" --store

@@ -20,8 +20,8 @@ namespace {
 constexpr std::string_view FIRST_END = "_000.BLK";
 constexpr std::string_view CANT_BE_OPENED = ": the file can't be opened";
 
-/// The base name of a set that is given by it or by its first volume. The library takes a name of blanks, or a
-/// longer one, for none.
+/// The base name of a set that is given by it or by its first volume. The library takes a name of blanks, or
+/// a longer one, for none.
 std::string included_base(std::string given) {
   constexpr std::size_t LONGEST_BASE_NAME = 1016;
   if (given.size() > FIRST_END.size() && given.ends_with(FIRST_END))

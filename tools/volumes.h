@@ -1,5 +1,5 @@
-// Influence volumes in place of the blocks and element files of responses: the options that ask for them, what
-// they hold, and what to do where a run on them fails.
+// Influence volumes in place of the blocks and element files of responses: the options that ask for them,
+// what they hold, and what to do where a run on them fails.
 #pragma once
 
 #include <CLI/App.hpp>

@@ -1,7 +1,9 @@
 // Runs on influence volumes give what runs on blocks and element files give, bit for bit, with and without an
 // included set.
 #include <filesystem>
+#include <initializer_list>
 #include <random>
+#include <string>
 
 #include "modelkit/example_bridge.h"
 #include "modelkit/model_writer.h"
@@ -34,15 +36,24 @@ void include(const std::string& path) {
   SET_INCLUDE_BLK_BS5400(&length, path.data());
 }
 
-/// Both runs of a result; the included set, if there is one, is called "included".
-void expect_same(const TEMPORARY_DIRECTORY& files, int lanes, int kind, int id, int item, int mv_case) {
-  const host::ARGUMENTS expected = host::RUN(lanes, files.NAME(), 0, kind, id, item, mv_case);
+/// The base names of a set of volumes and of one that is to be included with it; empty: none.
+struct SETS {
+  std::string primary, included;
+};
+
+/// A run on blocks and element files, and those on volumes.
+void expect_same(int lanes, const std::string& base, std::initializer_list<SETS> volumes, int kind, int id,
+                 int item, int mv_case) {
+  const host::ARGUMENTS expected = host::RUN(lanes, base, 0, kind, id, item, mv_case);
   EXPECT_EQ(expected.MODE_CODE, 0) << movload_last_failure();
-  if (std::filesystem::exists(files.NAME("included_000.BLK"))) include(files.NAME("included"));
-  host::ARGUMENTS got = host::RUN(lanes, files.NAME(), 100, kind, id, item, mv_case);
-  EXPECT_EQ(got.MODE_CODE, 100) << movload_last_failure();
-  got.MODE_CODE = 0;
-  EXPECT_TRUE(host::SAME(expected, got)) << "kind " << kind << ", id " << id << ", item " << item;
+  for (const SETS& sets : volumes) {
+    if (!sets.included.empty()) include(sets.included);
+    host::ARGUMENTS got = host::RUN(lanes, sets.primary, 100, kind, id, item, mv_case);
+    EXPECT_EQ(got.MODE_CODE, 100) << movload_last_failure();
+    got.MODE_CODE = 0;
+    EXPECT_TRUE(host::SAME(expected, got))
+        << sets.primary << ", kind " << kind << ", id " << id << ", item " << item << ", case " << mv_case;
+  }
 }
 
 std::vector<T_RESPONSE> random_elements(std::mt19937_64& random, int values, std::int32_t loads) {
@@ -86,6 +97,8 @@ TEST(store_runs, every_kind_of_random_models_is_the_same_in_volumes) {
                              .included_loads = seed % 3 == 0 ? 0 : between(0, model.unit_loads),
                              .leave_out_zeros = seed % 2 == 0},
                             files.NAME("included"));
+    const bool has_included = std::filesystem::exists(files.NAME("included_000.BLK"));
+    const std::string included = has_included ? files.NAME("included") : "";
     for (const KIND& kind : KINDS) {
       const auto& responses = model.*kind.responses;
       ASSERT_FALSE(responses.empty());
@@ -94,12 +107,35 @@ TEST(store_runs, every_kind_of_random_models_is_the_same_in_volumes) {
             responses[static_cast<std::size_t>(between(0, static_cast<int>(std::ssize(responses)) - 1))];
         const int items = kind.items > 0 ? kind.items : static_cast<int>(std::ssize(response.values));
         expect_same(
-            files, static_cast<int>(model.lanes.size()), kind.code, response.id, between(1, items),
+            static_cast<int>(model.lanes.size()), files.NAME(), {{files.NAME(), included}}, kind.code,
+            response.id, between(1, items),
             between(1, static_cast<int>(std::max<std::ptrdiff_t>(1, std::ssize(model.moving_load_cases)))));
       }
     }
     if (testing::Test::HasFailure()) FAIL() << "seed " << seed;
   }
+}
+
+// Every item of every id that is stored, of the moving load cases one after the other.
+TEST(store_runs, every_result_of_the_bridge_is_the_same_in_volumes) {
+  const T_MODEL model = modelkit::EXAMPLE_BRIDGE().model;
+  const TEMPORARY_DIRECTORY files;
+  const SETS whole{files.NAME(), ""};
+  const SETS divided{files.NAME("divided"), files.NAME("included")};
+  modelkit::WRITE_MODEL(model, whole.primary);
+  modelkit::WRITE_VOLUMES(model, whole.primary);
+  modelkit::WRITE_MODEL(model, divided.primary, {.responses = false});
+  modelkit::WRITE_VOLUMES(model, divided.primary, {.volumes = 3, .included_loads = 150}, divided.included);
+  int questions = 0;
+  for (const KIND& kind : KINDS) {
+    for (const T_RESPONSE& response : model.*kind.responses) {
+      const int items = kind.items > 0 ? kind.items : static_cast<int>(std::ssize(response.values));
+      for (int item = 1; item <= items; ++item)
+        expect_same(static_cast<int>(model.lanes.size()), whole.primary, {whole, divided}, kind.code,
+                    response.id, item, questions++ % modelkit::BRIDGE_CASE_HB_ANY + 1);
+    }
+  }
+  EXPECT_EQ(questions, 355 * 6 + 20 * 6 + 5 * 12 + 20 * 2 + 15 * 50 + 4 * 8);
 }
 
 /// One lane over two unit loads under a knife edge of 1: both envelopes are an ordinate.

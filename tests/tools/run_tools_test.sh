@@ -164,6 +164,44 @@ says err "the files hold no simb 6"
 PATH=/nowhere "$movload" plot $bridge --kind simb --id 3 --item 3 --case 4 -o picture.svg >out 2>err && fault "no gnuplot"
 says err "gnuplot-nox"
 
+# Influence volumes: the same answer and the same picture, but for the files that they name.
+expect 0 example bridges/split --included-set
+split=bridges/split/bridge
+expect 0 envelope $bridge --kind simb --id 3 --item 2 --case 7 --store
+says out "Responses: influence volumes bridges/new/bridge_000.BLK"
+narrow
+for question in "--kind disp --id 176 --item 3 --case 6" "--kind beam --id 18 --item 15 --case 4"; do
+  # shellcheck disable=SC2086 # the arguments are words
+  {
+    expect 0 envelope $split $question --json
+    cp out blocks.json
+    expect 0 envelope $split $question --store --include ${split}_included_000.BLK --json
+    json "answer['responses'] == 'influence volumes' and answer['included_set'] == '${split}_included'"
+    json "{**answer, 'responses': 'block files', 'included_set': None} == json.load(open('blocks.json'))"
+    expect 0 plot $split $question -o blocks.svg
+    expect 0 plot $split $question --store --include ${split}_included -o volumes.svg
+    says volumes.svg ", bridge.ZA3, bridge_included_000.BLK, bridge_000.BLK"
+    cmp -s blocks.svg <(sed 's/, bridge_[^<]*//' volumes.svg) || fault "another picture from volumes"
+  }
+done
+expect 1 envelope $split --kind disp --id 176 --item 3 --case 1 --store
+says err "an included set is missing"
+says err "--include BASE. In that folder: ${split}_included"
+expect 1 plot $split --kind disp --id 176 --item 3 --case 1 --store --include nowhere -o picture.svg
+says err "check --include"
+expect 2 envelope $split --kind disp --id 176 --item 3 --case 1 --include ${split}_included
+expect 2 envelope $split --kind disp --id 176 --item 3 --case 1 --store --include " "
+expect 1 envelope $bridge --kind beam --id 31 --item 1 --case 1 --store
+says err "give an --id that they hold: 11 to 25"
+expect 0 envelope $bridge --kind reac --id 6 --item 3 --case 1 --store
+says err "the files hold no reac 6; ids: 1 to 5, 101 to 105, 251 to 255, 351 to 355"
+expect 1 example bridges/split
+expect 0 example bridges/split --force
+if [[ -e ${split}_included_000.BLK ]]; then fault "an included set of another model is left"; fi
+rm ${split}_000.BLK
+expect 1 envelope $split --kind disp --id 176 --item 3 --case 1 --store
+says err "leave out --store"
+
 # A file of other contents stays.
 expect 1 example "a folder" --which span --span 30
 says err "--force"
