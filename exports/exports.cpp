@@ -212,7 +212,9 @@ void CLOSE_MOVING_INFLUENCE(void) noexcept {
   });
 }
 
-void REMOVE_MOVING_INFLUENCE(void) noexcept {}
+void REMOVE_MOVING_INFLUENCE(void) noexcept {
+  report([]() -> STATUS { return {}; });
+}
 
 void REMOVE_MOVING_INFLUENCE_FILE_PATH(const int32_t* PATH_LEN, const char* PATH) noexcept {
   report([&]() -> STATUS {

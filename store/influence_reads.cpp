@@ -119,10 +119,13 @@ class T_ROW_MAP {
     if (at < 0 || ENDS_BEFORE(position)) return;
     while (end_ <= at) space_->POSITIONS[static_cast<std::size_t>(end_++)] = NONE;
     space_->POSITIONS[static_cast<std::size_t>(at)] = component;
-    ++placed_;
   }
 
-  [[nodiscard]] std::int32_t PLACED() const { return placed_; }
+  /// Whether a component stands at a position, from 0.
+  [[nodiscard]] bool HAS(std::int32_t at) const {
+    return at < end_ && space_->POSITIONS[static_cast<std::size_t>(at)] != NONE;
+  }
+  [[nodiscard]] bool IS_EMPTY() const { return end_ == 0; }
   /// By position, up to the last one that has a component.
   [[nodiscard]] std::span<const std::int32_t> SOURCES() const {
     return {space_->POSITIONS.data(), static_cast<std::size_t>(end_)};
@@ -141,7 +144,6 @@ class T_ROW_MAP {
   T_READ_SPACE* space_;
   const T_READ* read_;
   std::int32_t end_ = 0;
-  std::int32_t placed_ = 0;
 };
 
 /// A stretch of the points of a record.
@@ -241,17 +243,13 @@ class READER {
                   float* rows) {
     std::array<T_ROW_MAP, 2> maps{T_ROW_MAP(store_.READ_SPACES()[0], read_),
                                   T_ROW_MAP(store_.READ_SPACES()[1], read_)};
-    std::int64_t placed = 0;
     for (std::size_t i = 0; i < parts_.size(); ++i) {
       const T_NODE* node = node_with_data(set, parts_[i]);
-      if (node == nullptr) continue;
-      place_part(parts_[i], *node, layout_set, maps[i]);
-      placed += maps[i].PLACED();
+      if (node != nullptr) place_part(parts_[i], *node, layout_set, maps[i]);
     }
-    // Where every position has a component, all of them are about to be written.
-    if (placed < read_.POSITIONS) std::fill_n(rows, loads * read_.POSITIONS, 0.0F);
+    if (!fill_rows(maps)) std::fill_n(rows, loads * read_.POSITIONS, 0.0F);
     for (std::size_t i = 0; i < parts_.size(); ++i) {
-      if (maps[i].PLACED() == 0) continue;
+      if (maps[i].IS_EMPTY()) continue;
       const STATUS status =
           copy_part(store_.SETS()[set], *node_with_data(set, parts_[i]), maps[i], first, loads, rows);
       if (status.OK()) continue;
@@ -266,6 +264,15 @@ class READER {
   [[nodiscard]] const T_NODE* node_with_data(std::size_t set, const T_PART& part) const {
     const T_NODE* node = store_.NODE(set, part.SOURCE, part.ROW);
     return node != nullptr && node->VOLUME > 0 && store_.SETS()[set].N_LOADS > 0 ? node : nullptr;
+  }
+
+  /// Whether every position is about to be written. The parts may overlap where the sets disagree on the points
+  /// of a plate.
+  [[nodiscard]] bool fill_rows(const std::array<T_ROW_MAP, 2>& maps) const {
+    for (std::int32_t at = 0; at < read_.POSITIONS; ++at) {
+      if (!maps[0].HAS(at) && !maps[1].HAS(at)) return false;
+    }
+    return true;
   }
 
   void place_part(const T_PART& part, const T_NODE& node, std::size_t layout_set, T_ROW_MAP& map) const {
@@ -376,10 +383,12 @@ STATUS READ_ALL(INFLUENCE_STORE& store, const T_READ& read, float* rows) {
 }
 
 bool IS_STORED(const INFLUENCE_STORE& store, READ kind, std::int32_t id) noexcept {
-  const auto has_row = [](const T_PART& part) { return part.ROW > 0; };
   if (!store.IS_OPEN()) return false;
-  const T_PARTS parts = find_parts(store, {kind, id, 0, 1});
-  return std::any_of(parts.begin(), parts.end(), has_row);
+  const T_PART part = find_parts(store, {kind, id, 0, 1}).front();
+  if (kind != READ::REAC && kind != READ::LREAC) return part.ROW > 0;
+  // An included set's support may have a row of another that the primary set has in its place.
+  const std::span<const T_NODE> supports = store.ROWS(part.SOURCE);
+  return std::any_of(supports.begin(), supports.end(), [id](const T_NODE& node) { return node.ID == id; });
 }
 
 }  // namespace store

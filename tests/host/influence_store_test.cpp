@@ -158,6 +158,9 @@ TEST_F(store_test, its_life) {
     EXPECT_EQ(read_one(DISP, 1, 0, 2), node == closed ? row(2, HOST) : row(2, 0.0F)) << step.what;
     EXPECT_EQ(read_one(DISP, 1, INT32_MAX, 1), node == closed ? row{HOST} : row{0}) << step.what;
   }
+  EXPECT_STRNE(movload_last_failure(), "");
+  REMOVE_MOVING_INFLUENCE();
+  EXPECT_STREQ(movload_last_failure(), "");
 }
 
 TEST_F(store_test, a_removal_deletes_the_volumes_that_are_there) {
@@ -351,6 +354,18 @@ TEST_F(store_test, sets_are_joined_by_id_and_a_support_may_be_in_one_alone) {
       EXPECT_EQ(supports(c.code == 8401), c.asked);
     }
   }
+}
+
+TEST_F(store_test, where_sets_disagree_on_the_points_of_a_plate_every_value_is_written_all_the_same) {
+  const auto write = [&](int force_points, const std::string& name) {
+    modelkit::WRITE_VOLUME_SET(
+        {.load_ids = {1}, .volumes = {{block_of(410401, 8, force_points), block_of(412151, 7, 5)}}}, name);
+  };
+  write(5, files.NAME("included"));
+  write(1, files.NAME());
+  init(files.NAME(), files.NAME("included"));
+  const row values = read_all(ELEMENT, 1, 70, 2);
+  EXPECT_EQ(std::count(values.begin(), values.end(), HOST), 0);
 }
 
 TEST_F(store_test, the_nodes_of_an_element_are_those_of_the_primary_set_in_file_order) {

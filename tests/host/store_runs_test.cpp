@@ -162,6 +162,20 @@ TEST(store_runs, a_result_that_is_not_stored_is_0_or_nothing_to_search) {
     EXPECT_EQ(greatest(kind, 5), kind == MOVLOAD_RK_DISP ? 0.0 : host::UNTOUCHED) << kind;
   }
   EXPECT_EQ(greatest(MOVLOAD_RK_BEAM, 4), 0.0);
+
+  // Supports are those of the primary set, also where one of the included set shares a row with another.
+  const auto write = [](const std::vector<std::int32_t>& supports, const std::string& name) {
+    modelkit::WRITE_VOLUME_SET(
+        {.load_ids = {1},
+         .volumes = {{{.ids = supports, .item_codes = {1}, .result_code = 401, .data = {1, 2, 3, 4}}}}},
+        name);
+  };
+  write({1, 2, 3, 9}, files.NAME());
+  write({1, 3, 4, 9}, files.NAME("included"));
+  for (const int id : {3, 4}) {
+    include(files.NAME("included"));
+    EXPECT_EQ(greatest(MOVLOAD_RK_REAC, id), id == 3 ? 2.0 : host::UNTOUCHED);
+  }
 }
 
 TEST(store_runs, a_run_tells_what_is_wrong_with_the_volumes_and_forgets_the_included_set) {
