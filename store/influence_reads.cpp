@@ -69,6 +69,8 @@ constexpr std::array<T_PIECE, 20> PIECES{{
     {READ::ELEMENT,       0x10000, LIST::N_65568, DIRECT,   1,  NO_LIMIT, 1,         {{{1, 1}}}},
 }};
 // clang-format on
+static_assert(std::all_of(PIECES.begin(), PIECES.end(),
+                          [](const T_PIECE& piece) { return piece.LAST_POSITION <= LONGEST_FIXED_ROW; }));
 
 /// The pieces that come out of one record, and the record's row in its list.
 struct T_PART {

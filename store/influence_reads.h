@@ -34,9 +34,6 @@
 
 namespace store {
 
-/// Positions of the longest row that doesn't follow from a record.
-inline constexpr std::int32_t LONGEST_FIXED_ROW = 132;
-
 enum class READ : std::uint8_t { DISP, LDISP, REAC, LREAC, VIRTUAL_BAR, COMPOSITE_BAR, ELEMENT };
 
 /// What is asked for. Of a row that is too short for its second part this part is left out, as far as a

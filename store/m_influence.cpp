@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "store/influence_reads.h"
-
 namespace store {
 namespace {
 

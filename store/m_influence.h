@@ -25,6 +25,9 @@
 
 namespace store {
 
+/// Positions of the longest row that doesn't follow from a record.
+inline constexpr std::int32_t LONGEST_FIXED_ROW = 132;
+
 /// Working space of the reads, made when the store is opened so that no read takes memory: room for the
 /// record with the most components and for the longest row. What it means is the reads' affair.
 struct T_READ_SPACE {
