@@ -1,12 +1,10 @@
 #include "bench/bench_models.h"
 
-#include <unistd.h>
-
 #include <cmath>
-#include <filesystem>
 #include <map>
 #include <utility>
 
+#include "bench/bench_folder.h"
 #include "bench/girder_lines.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model.h"
@@ -18,24 +16,6 @@ namespace {
 constexpr std::int32_t POINTS = 1000;
 constexpr std::int32_t ENTRIES = 8;
 constexpr std::int32_t LOADS = 2000;
-
-/// The folder of the benchmarks' files; removed at the end of the program.
-struct T_FOLDER {
-  std::filesystem::path PATH =
-      std::filesystem::temp_directory_path() / ("movload-bench-" + std::to_string(::getpid()));
-  T_FOLDER() { std::filesystem::create_directories(PATH); }
-  ~T_FOLDER() {
-    std::error_code ignored;
-    std::filesystem::remove_all(PATH, ignored);
-  }
-  T_FOLDER(const T_FOLDER&) = delete;
-  T_FOLDER& operator=(const T_FOLDER&) = delete;
-};
-
-const std::filesystem::path& folder() {
-  static const T_FOLDER its_folder;
-  return its_folder.PATH;
-}
 
 /// A lane whose entry e at point k, both from 0, is shared by a unit load and the next one.
 /// `shared_load(k, e)` gives the load, and the share of the next.
@@ -140,7 +120,7 @@ const std::string& DECK_FILES(std::int32_t lanes, std::int32_t combinations) {
   static std::map<std::pair<std::int32_t, std::int32_t>, std::string> written;
   std::string& base_name = written[{lanes, combinations}];
   if (base_name.empty()) {
-    base_name = (folder() / ("deck-" + std::to_string(lanes) + "-" + std::to_string(combinations))).string();
+    base_name = FILE_IN_FOLDER("deck-" + std::to_string(lanes) + "-" + std::to_string(combinations));
     modelkit::WRITE_MODEL(deck(lanes, combinations), base_name);
   }
   return base_name;
@@ -159,7 +139,7 @@ kernel::T_REQUEST DECK_REQUEST(const std::string& base_name) {
 const std::string& BRIDGE_FILES() {
   static std::string base_name;
   if (base_name.empty()) {
-    base_name = (folder() / "bridge").string();
+    base_name = FILE_IN_FOLDER("bridge");
     modelkit::WRITE_MODEL(bridge(), base_name);
   }
   return base_name;

@@ -1,4 +1,4 @@
-// Models of the benchmarks, written to a folder of their own that goes with the program.
+// Models of the benchmarks, written to the benchmarks' folder.
 #pragma once
 
 #include <cstdint>

@@ -10,22 +10,19 @@
 #include <string>
 #include <vector>
 
+#include "bench/bench_folder.h"
 #include "modelkit/volume_set.h"
 #include "store/influence_reads.h"
 #include "store/m_influence.h"
-#include "tests/temporary_directory.h"
 
 namespace {
 
-const TEMPORARY_DIRECTORY& files() {
-  static const TEMPORARY_DIRECTORY directory;
-  return directory;
-}
+using bench::FILE_IN_FOLDER;
 
 const std::string& large_set() {
   static const std::string base = [] {
-    modelkit::WRITE_VOLUME_SET(modelkit::LARGE_VOLUME_SET(), files().NAME("large"));
-    return files().NAME("large");
+    modelkit::WRITE_VOLUME_SET(modelkit::LARGE_VOLUME_SET(), FILE_IN_FOLDER("large"));
+    return FILE_IN_FOLDER("large");
   }();
   return base;
 }
@@ -73,7 +70,7 @@ modelkit::T_VOLUME_LAYOUT write_links() {
                                  .data = std::vector<float>(RECORD_VALUES * LINKS, 1.0F)};
   for (std::int32_t id = 1; id <= LINKS; ++id) block.ids.push_back(id);
   return modelkit::WRITE_VOLUME_SET({.load_ids = std::vector<std::int32_t>(LOADS, 1), .volumes = {{block}}},
-                                    files().NAME("links"));
+                                    FILE_IN_FOLDER("links"));
 }
 
 const modelkit::T_VOLUME_LAYOUT& links() {
@@ -81,7 +78,7 @@ const modelkit::T_VOLUME_LAYOUT& links() {
   return layout;
 }
 
-/// One record again and again, or many in turn.
+/// One record again and again, two, or many in turn.
 void plain_pread(benchmark::State& state) {
   const modelkit::T_WRITTEN_VOLUME_BLOCK& block = links().blocks[0];
   const int file = ::open(links().paths[0].c_str(), O_RDONLY);
@@ -97,12 +94,13 @@ void plain_pread(benchmark::State& state) {
   }
   ::close(file);
 }
-BENCHMARK(plain_pread)->ArgName("records")->Arg(1)->Arg(LINKS)->Unit(benchmark::kMicrosecond);
+BENCHMARK(plain_pread)->ArgName("records")->Arg(1)->Arg(2)->Arg(LINKS)->Unit(benchmark::kMicrosecond);
 
+/// Of one record again and again all but the first read find it in view.
 void read_all_loads(benchmark::State& state) {
   store::INFLUENCE_STORE store;
   links();
-  must(store.OPEN(files().NAME("links")));
+  must(store.OPEN(FILE_IN_FOLDER("links")));
   std::vector<float> rows(RECORD_VALUES);
   std::int32_t id = 1;
   must(READ_ALL(store, {store::READ::ELEMENT, id, VALUES}, rows.data()));
@@ -114,26 +112,28 @@ void read_all_loads(benchmark::State& state) {
   }
   state.counters["resident_growth"] = resident_bytes() - before;
 }
-BENCHMARK(read_all_loads)->ArgName("records")->Arg(1)->Arg(LINKS)->Unit(benchmark::kMicrosecond);
+BENCHMARK(read_all_loads)->ArgName("records")->Arg(1)->Arg(2)->Arg(LINKS)->Unit(benchmark::kMicrosecond);
 
+/// The loads of a record in turn, or one load of many records.
 void read_one_load(benchmark::State& state) {
   store::INFLUENCE_STORE store;
   links();
-  must(store.OPEN(files().NAME("links")));
+  must(store.OPEN(FILE_IN_FOLDER("links")));
   std::vector<float> row(VALUES);
-  std::int32_t load = 0;
+  const auto records = static_cast<std::int32_t>(state.range(0));
+  std::int32_t read = 0;
   for (auto _ : state) {
-    must(READ_ONE(store, {store::READ::ELEMENT, 1, VALUES}, load % LOADS + 1, row.data()));
-    ++load;
+    must(READ_ONE(store, {store::READ::ELEMENT, read % records + 1, VALUES}, read % LOADS + 1, row.data()));
+    ++read;
   }
 }
-BENCHMARK(read_one_load)->Unit(benchmark::kMicrosecond);
+BENCHMARK(read_one_load)->ArgName("records")->Arg(1)->Arg(LINKS)->Unit(benchmark::kMicrosecond);
 
 /// As a run reads: one component of a record.
 void read_component(benchmark::State& state) {
   store::INFLUENCE_STORE store;
   links();
-  must(store.OPEN(files().NAME("links")));
+  must(store.OPEN(FILE_IN_FOLDER("links")));
   std::vector<float> column(LOADS);
   std::int32_t id = 0;
   for (auto _ : state) {
