@@ -48,6 +48,12 @@ void T_FILE::RELEASE_VIEW() noexcept {
   view_bytes_ = 0;
 }
 
+void T_FILE::TAKE_OVER_VIEW(T_FILE& other) noexcept {
+  RELEASE_VIEW();
+  mapping_.TAKE_MEMORY(other.mapping_);
+  other.RELEASE_VIEW();
+}
+
 /// The bytes at the position, which moves behind them. A new view takes as much of the window as the file
 /// has.
 const std::byte* T_FILE::reach(std::int64_t bytes, std::int64_t window) noexcept {

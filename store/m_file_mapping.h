@@ -37,6 +37,8 @@ class FILE_MAPPING {
   /// VIEW(): fewer than asked for where the file was cut, 0 where nothing can be had.
   [[nodiscard]] std::int64_t MAP(std::int64_t offset, std::int64_t bytes) noexcept;
   void UNMAP() noexcept;
+  /// Ends the views of both. Memory that the other's took serves this one's from now on.
+  void TAKE_MEMORY(FILE_MAPPING& other) noexcept;
   /// Good until the next MAP, UNMAP or CLOSE.
   [[nodiscard]] const std::byte* VIEW() const noexcept { return view_; }
 
@@ -79,6 +81,8 @@ class T_FILE {
   /// the next operation but SEEK and TELL. Bytes that are in view already cost nothing.
   [[nodiscard]] const std::byte* VIEW(std::int64_t bytes) noexcept;
   void RELEASE_VIEW() noexcept;
+  /// Releases the views of both; the next one here costs no new memory unless it is larger than they were.
+  void TAKE_OVER_VIEW(T_FILE& other) noexcept;
 
  private:
   const std::byte* reach(std::int64_t bytes, std::int64_t window) noexcept;

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 #include "store/m_file_mapping.h"
 
@@ -62,6 +63,13 @@ void FILE_MAPPING::UNMAP() noexcept {
   memory_ = nullptr;
   memory_bytes_ = 0;
   view_ = nullptr;
+}
+
+void FILE_MAPPING::TAKE_MEMORY(FILE_MAPPING& other) noexcept {
+  UNMAP();
+  std::swap(memory_, other.memory_);
+  std::swap(memory_bytes_, other.memory_bytes_);
+  other.view_ = nullptr;
 }
 
 void FILE_MAPPING::REMOVE(const std::string& name) noexcept {

@@ -66,6 +66,11 @@ void FILE_MAPPING::UNMAP() noexcept {
   view_ = nullptr;
 }
 
+void FILE_MAPPING::TAKE_MEMORY(FILE_MAPPING& other) noexcept {
+  UNMAP();
+  other.UNMAP();  // views have no memory of their own
+}
+
 void FILE_MAPPING::REMOVE(const std::string& name) noexcept {
   ::DeleteFileA(name.c_str());
 }

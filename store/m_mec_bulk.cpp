@@ -386,7 +386,7 @@ void T_MEC::CLOSE() noexcept {
 
 STATUS T_MEC::REACH_RECORD(const T_NODE& node) noexcept {
   if (active_volume_ != node.VOLUME && active_volume_ != 0) {
-    volumes_[static_cast<std::size_t>(active_volume_ - 1)].RELEASE_VIEW();
+    VOLUME(node).TAKE_OVER_VIEW(volumes_[static_cast<std::size_t>(active_volume_ - 1)]);
   }
   active_volume_ = node.VOLUME;
   const std::int64_t end = node.DATA_OFFSET + WORD_BYTES * N_LOADS * node.COMPONENTS();

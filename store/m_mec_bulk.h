@@ -71,7 +71,7 @@ class T_MEC {
   [[nodiscard]] T_FILE& VOLUME(const T_NODE& node) noexcept {
     return volumes_[static_cast<std::size_t>(node.VOLUME - 1)];
   }
-  /// To be called before a record is read: releases the view of another volume, so that a set has one at
+  /// To be called before a record is read: takes over the view of another volume, so that a set has one at
   /// most. Fails where the volume was cut before the end of the record since it was opened.
   STATUS REACH_RECORD(const T_NODE& node) noexcept;
 
