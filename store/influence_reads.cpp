@@ -10,6 +10,8 @@ namespace store {
 namespace {
 
 constexpr std::int64_t WORD_BYTES = 4;
+/// So many bytes between two that are wanted cost less than another call to the system.
+constexpr std::int64_t READ_ALONG = 16 * 1024;
 
 enum class ARRANGED : std::uint8_t {
   IN_ORDER,       // point by point
@@ -296,31 +298,45 @@ class READER {
   }
 
   /// Copies the components that are used out of a record: each stretch of neighbours in one go, or word by
-  /// word where one load of many is wanted.
+  /// word where one load is wanted and its words lie far apart.
   STATUS copy_part(T_MEC& set, const T_NODE& node, const T_ROW_MAP& map, std::int64_t first,
                    std::int64_t loads, float* rows) {
     T_FILE& volume = set.VOLUME(node);
+    const bool in_stretches = loads == set.N_LOADS || WORD_BYTES * set.N_LOADS <= READ_ALONG;
     STATUS status = set.REACH_RECORD(node);
-    if (status.OK() && !(loads == set.N_LOADS ? copy_all(volume, node, map, loads, rows)
-                                              : copy_one(volume, node, map, set.N_LOADS, first, rows))) {
+    if (status.OK() && !(in_stretches ? copy_stretches(volume, node, map, set.N_LOADS, first, loads, rows)
+                                      : copy_one(volume, node, map, set.N_LOADS, first, rows))) {
       status = STATUS::FAILED(REASON::VOLUME_CUT).IN_VOLUME(node.DATA_OFFSET);
     }
     if (!status.OK()) store_.SET_FAULTY_VOLUME(volume);
     return status;
   }
 
-  bool copy_all(T_FILE& volume, const T_NODE& node, const T_ROW_MAP& map, std::int64_t loads,
-                float* rows) const {
+  /// Views all loads of a component even where one is wanted: the next read of the record may want another.
+  bool copy_stretches(T_FILE& volume, const T_NODE& node, const T_ROW_MAP& map, std::int64_t set_loads,
+                      std::int64_t first, std::int64_t loads, float* rows) const {
     const std::span<const std::uint8_t> used = map.USED(node);
-    for (std::size_t k = 0; k < used.size(); ++k) {
-      if (used[k] == 0) continue;
-      const std::size_t begin = k;
-      while (k + 1 < used.size() && used[k + 1] != 0) ++k;
-      const T_STRETCH stretch{static_cast<std::int32_t>(begin), static_cast<std::int32_t>(k), loads};
-      volume.SEEK(node.DATA_OFFSET, WORD_BYTES * stretch.FIRST * loads);
-      const std::byte* values = volume.VIEW(WORD_BYTES * (stretch.LAST - stretch.FIRST + 1) * loads);
+    const auto used_from = [used](std::size_t k) {
+      while (k < used.size() && used[k] == 0) ++k;
+      return k;
+    };
+    const auto bytes_of = [set_loads](std::size_t components) {
+      return WORD_BYTES * set_loads * static_cast<std::int64_t>(components);
+    };
+    std::size_t next = used_from(0);
+    while (next < used.size()) {
+      const std::size_t begin = next;
+      std::size_t end = begin + 1;
+      for (next = used_from(end); next < used.size() && bytes_of(next - end) <= READ_ALONG;) {
+        end = next + 1;
+        next = used_from(end);
+      }
+      volume.SEEK(node.DATA_OFFSET, bytes_of(begin));
+      const std::byte* values = volume.VIEW(bytes_of(end - begin));
       if (values == nullptr) return false;
-      TRANSPOSE(values, stretch, map.SOURCES(), read_.POSITIONS, rows);
+      TRANSPOSE(values + WORD_BYTES * (first - 1),
+                {static_cast<std::int32_t>(begin), static_cast<std::int32_t>(end - 1), set_loads, loads},
+                map.SOURCES(), read_.POSITIONS, rows);
     }
     return true;
   }

@@ -104,7 +104,7 @@ void TRANSPOSE(const std::byte* values, const T_STRETCH& stretch, std::span<cons
     group.COUNT = 0;
     while (group.COUNT < WIDTH && position < sources.size() && is_at_hand(position)) {
       const std::int64_t before = std::int64_t{sources[position++]} - stretch.FIRST;
-      group.VALUES[group.COUNT++] = values + WORD_BYTES * before * stretch.LOADS;
+      group.VALUES[group.COUNT++] = values + WORD_BYTES * before * stretch.SPACING;
     }
   }
   copy_groups({groups.data(), n_groups}, stretch.LOADS, row_length, rows);

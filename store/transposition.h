@@ -7,10 +7,12 @@
 
 namespace store {
 
-/// Components of a record, from 0, that are at hand: LOADS float32 each, one component behind the other.
+/// Components of a record, from 0, that are at hand: float32 values, each component SPACING values behind the
+/// one before. Of each the first LOADS are wanted.
 struct T_STRETCH {
   std::int32_t FIRST = 0;
   std::int32_t LAST = 0;
+  std::int64_t SPACING = 0;
   std::int64_t LOADS = 0;
 };
 

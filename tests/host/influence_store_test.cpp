@@ -351,6 +351,18 @@ TEST_F(store_test, the_primary_set_tells_where_the_stresses_of_plates_stand_unde
   EXPECT_EQ(read_one(ELEMENT, 1, 1, 70).at(40), 5.0F);
 }
 
+TEST_F(store_test, the_loads_of_a_record_that_lie_far_apart_are_read_one_by_one) {
+  constexpr std::int32_t LOADS = 5000;
+  T_MODEL model{.unit_loads = LOADS};
+  model.disp = {telling_response(3, 6, LOADS)};
+  modelkit::WRITE_VOLUMES(model, files.NAME());
+  init(files.NAME());
+  for (const std::int32_t load : {1, 2500, LOADS}) {
+    const float before = static_cast<float>(1000 * load);
+    EXPECT_EQ(read_one(DISP, 3, load, 3), (row{before + 1, before + 2, before + 3}));
+  }
+}
+
 TEST_F(store_test, the_nodes_of_an_element_are_those_of_the_primary_set_in_file_order) {
   const T_VOLUME_SET included{.volumes = {{{.tag = modelkit::STREAM_GROUPS, .element_nodes = {{7, {9}}}}}}};
   const T_VOLUME_SET primary{

@@ -82,10 +82,11 @@ TEST(file_mapping, a_position_moves_behind_what_was_read_and_stays_where_nothing
 TEST(transposition, every_component_goes_to_its_position_and_nothing_else_is_written) {
   for (const std::int32_t components : {1, 3, 4, 7, 300}) {
     for (const std::int32_t loads : {1, 2, 5, 16, 67}) {
-      // One byte off any boundary; component k under load j is 1000 * k + j. The stretch leaves out the ends.
+      // One byte off any boundary; component k under load j is 1000 * k + j. The stretch leaves out the ends, and
+      // a load that isn't wanted.
       std::vector<float> record;
       for (std::int32_t k = 1; k < components - 1; ++k)
-        for (std::int32_t j = 0; j < loads; ++j) record.push_back(static_cast<float>(1000 * k + j));
+        for (std::int32_t j = 0; j <= loads; ++j) record.push_back(static_cast<float>(1000 * k + j));
       std::vector<std::byte> bytes(4 * record.size() + 1);
       if (!record.empty()) std::memcpy(bytes.data() + 1, record.data(), 4 * record.size());
 
@@ -95,7 +96,7 @@ TEST(transposition, every_component_goes_to_its_position_and_nothing_else_is_wri
           sources[p] = static_cast<std::int32_t>((p * 7) % static_cast<std::size_t>(components));
       const std::int64_t length = std::ssize(sources) + 1;
       std::vector<float> rows(static_cast<std::size_t>(length * loads), -1.0F);
-      TRANSPOSE(bytes.data() + 1, {1, components - 2, loads}, sources, length, rows.data());
+      TRANSPOSE(bytes.data() + 1, {1, components - 2, loads + 1, loads}, sources, length, rows.data());
       for (std::int64_t j = 0; j < loads; ++j) {
         for (std::int64_t p = 0; p < length; ++p) {
           const std::int32_t k = p < std::ssize(sources) ? sources[static_cast<std::size_t>(p)] : -1;
