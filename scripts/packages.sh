@@ -3,6 +3,7 @@
 
 BUILD_PACKAGES=(cmake g++ ninja-build libcli11-dev libeigen3-dev libfmt-dev nlohmann-json3-dev)
 TEST_PACKAGES=(binutils libbenchmark-dev libgtest-dev pkgconf)
+DEB_PACKAGES=(dpkg-dev file help2man)
 CHECK_PACKAGES=(clang-format clang-tidy)
 COVERAGE_PACKAGES=(gcovr)
 

@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
-# Installs a build into a fresh folder, moves that folder, and builds the C example against it as hosts do: as an
-# outside CMake project and with pkg-config. Both programs must run; where the command line tool is installed, they
-# run on its example bridge.
-# Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE GENERATOR C_COMPILER
+# Builds the C example as hosts do, as an outside CMake project and with pkg-config, against an installed build: one
+# that was installed into a fresh folder and moved, or with CPACK the contents of the Debian packages. Both programs
+# must run; where the command line tool is installed, they run on its example bridge.
+# Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE GENERATOR C_COMPILER [CPACK]
 set -euo pipefail
 source_folder=$1
 build_folder=$2
 cmake=$3
 generator=$4
 compiler=$5
+cpack=${6:-}
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -23,14 +24,46 @@ quietly() {
   fi
 }
 
-quietly "$cmake" --install "$build_folder" --prefix "$work/first"
-mv "$work/first" "$work/moved"
+# expect WHAT FOUND: the packages' fields and contents.
+expect() {
+  if [[ $2 != *"$1"* ]]; then
+    echo "expected $1 in: $2"
+    return 1
+  fi
+}
 
-quietly "$cmake" -S "$example" -B "$work/project" -G "$generator" -DCMAKE_PREFIX_PATH="$work/moved" \
+# Each package has what its name says, and depends on the library and on what that needs.
+unpack() {
+  local deb version
+  quietly "$cpack" --config "$build_folder/CPackConfig.cmake" -B "$work/packages"
+  version=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")/\1/p' "$build_folder/CPackConfig.cmake")
+  for deb in "$work"/packages/*.deb; do
+    dpkg-deb -x "$deb" "$work/root"
+    if [[ $deb == */libmovload1_* ]]; then
+      expect "libstdc++6" "$(dpkg-deb -f "$deb" Depends)"
+      expect "libmovload 1 libmovload1 (>= $version)" "$(dpkg-deb -I "$deb" shlibs)"
+      expect "libmovload.so.1" "$(dpkg-deb -c "$deb")"
+    else
+      expect "libmovload1 (= $version)" "$(dpkg-deb -f "$deb" Depends)"
+    fi
+  done
+  [[ -f $work/root/usr/include/movload.h ]] && ls "$work"/packages/libmovload1_*.deb >/dev/null
+}
+
+if [[ -n $cpack ]]; then
+  unpack
+  prefix=$work/root/usr
+else
+  quietly "$cmake" --install "$build_folder" --prefix "$work/first"
+  mv "$work/first" "$work/moved"
+  prefix=$work/moved
+fi
+
+quietly "$cmake" -S "$example" -B "$work/project" -G "$generator" -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_C_COMPILER="$compiler"
 quietly "$cmake" --build "$work/project"
 
-pc_folder=$(dirname "$(find "$work/moved" -name movload.pc)")
+pc_folder=$(dirname "$(find "$prefix" -name movload.pc)")
 export PKG_CONFIG_PATH=$pc_folder
 read -ra flags <<<"$(pkg-config --cflags --libs movload)"
 library_folder=$(pkg-config --variable=libdir movload)
@@ -38,7 +71,7 @@ quietly "$compiler" -std=c11 -pedantic -Wall -Wextra -Werror "$example/envelope.
   -Wl,-rpath,"$library_folder"
 
 version=$(pkg-config --modversion movload)
-if ! grep -q "PACKAGE_VERSION \"$version\"" "$(find "$work/moved" -name movload-config-version.cmake)"; then
+if ! grep -q "PACKAGE_VERSION \"$version\"" "$(find "$prefix" -name movload-config-version.cmake)"; then
   echo "movload.pc and the CMake package tell different versions"
   exit 1
 fi
@@ -54,7 +87,7 @@ for program in "$work/project/envelope" "$work/envelope"; do
 done
 
 # The installed tool finds the library in the moved folder, and both programs get the same answer for its example.
-movload=$work/moved/bin/movload
+movload=$prefix/bin/movload
 if [[ -x $movload ]]; then
   quietly "$movload" example "$work/demo"
   for program in "$work/project/envelope" "$work/envelope"; do

@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and writes the Debian packages into build/packages: the library, what programs are
+# built with, and the command line tool.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source scripts/packages.sh
+install_missing "${BUILD_PACKAGES[@]}" "${DEB_PACKAGES[@]}"
+
+build=build/package
+packages=$PWD/build/packages
+# Packages install where programs and libraries are looked for, and need no search path of their own.
+cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON \
+  -DMOVLOAD_TESTS=OFF -DMOVLOAD_BENCH=OFF
+cmake --build "$build" -j "${JOBS:-$(nproc)}"
+rm -rf "$packages"
+cpack --config "$build/CPackConfig.cmake" -B "$packages"
+rm -rf "$packages/_CPack_Packages"
+printf '\nTo install them:\n  sudo apt install build/packages/*.deb\n'
