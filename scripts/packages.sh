@@ -2,7 +2,7 @@
 # The Debian packages of this project, and the routines that install them. Sourced by the other scripts.
 
 BUILD_PACKAGES=(cmake g++ ninja-build libcli11-dev libeigen3-dev libfmt-dev nlohmann-json3-dev)
-TEST_PACKAGES=(abigail-tools binutils libbenchmark-dev libgtest-dev pkgconf)
+TEST_PACKAGES=(abigail-tools binutils libbenchmark-dev libgtest-dev pkgconf python3-numpy)
 DEB_PACKAGES=(dpkg-dev file help2man)
 CHECK_PACKAGES=(clang-format clang-tidy)
 COVERAGE_PACKAGES=(gcovr)
