@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "tools/inspection.h"
 #include "tools/inspection_report.h"
@@ -14,21 +16,36 @@
 #include "tools/progress.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 namespace {
 
 struct T_INSPECT_OPTIONS {
   T_MODEL_OPTIONS model;
+  std::string included;
   bool all = false;
   bool json = false;
 };
 
 T_INSPECTION inspect(const T_INSPECT_OPTIONS& options) {
   constexpr std::int32_t FIRST_FEW = 6;
-  const T_MODEL_FILE file = options.model.FIND_FILE();
-  const T_PROGRESS progress("reading " + file.file_name);
-  return INSPECT(file, options.all ? std::numeric_limits<std::int32_t>::max() : FIRST_FEW);
+  const std::string& given = options.model.base;
+  std::optional<std::string> included;
+  if (!options.included.empty()) included = FIND_VOLUME_SET(options.included);
+  const std::optional<std::string> volumes = included ? FIND_VOLUME_SET(given) : FIND_VOLUMES(given);
+  const bool has_file = HAS_MODEL_FILE(given, options.model.analysis_code);
+  T_INSPECTION inspection;
+  if (has_file || !volumes) {
+    const T_MODEL_FILE file = options.model.FIND_FILE();
+    const T_PROGRESS progress("reading " + file.file_name);
+    inspection = INSPECT(file, options.all ? std::numeric_limits<std::int32_t>::max() : FIRST_FEW);
+  }
+  if (volumes) {
+    const T_PROGRESS progress("reading the influence volumes of " + *volumes);
+    INSPECT_VOLUMES(*volumes, included, inspection);
+  }
+  return inspection;
 }
 
 /// What could be read is shown also where something couldn't; the command fails afterwards.
@@ -46,14 +63,17 @@ void run(const T_INSPECT_OPTIONS& options) {
 void ADD_INSPECT_COMMAND(CLI::App& program) {
   const auto options = std::make_shared<T_INSPECT_OPTIONS>();
   CLI::App& command = *program.add_subcommand(
-      "inspect", "Show what a model's files hold: lanes, vehicles, load cases, results");
+      "inspect", "Show what a model's files hold: lanes, vehicles, load cases, results, influence volumes");
   ADD_MODEL_OPTIONS(command, options->model);
+  command.add_option("--include", options->included, "Join this set of influence volumes to the model's")
+      ->type_name("BASE");
   command.add_flag("--all", options->all, "Show every combination, not the first six of each case");
   command.add_flag("--json", options->json, "Print JSON, for programs");
   command.footer(
       "Example:\n"
       "  movload example demo\n"
-      "  movload inspect demo/bridge");
+      "  movload inspect demo/bridge\n"
+      "BASE may have a block directory file, influence volumes, or both.");
   command.callback([options] { run(*options); });
 }
 

@@ -7,18 +7,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "movload.h"
 #include "tools/drawn_loading.h"
 #include "tools/envelope_question.h"
 #include "tools/gnuplot.h"
+#include "tools/picture_file.h"
 #include "tools/plot_sheet.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
@@ -37,32 +36,6 @@ struct T_PLOT_OPTIONS {
   std::string picture_file;
   std::string script_file;
 };
-
-std::optional<PICTURE> picture_format(const std::string& file) {
-  std::string extension = fs::path(file).extension().string();
-  std::ranges::transform(extension, extension.begin(),
-                         [](char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; });
-  if (extension == ".svg") return PICTURE::SVG;
-  if (extension == ".png") return PICTURE::PNG;
-  return std::nullopt;
-}
-
-/// Writes beside the file's place and then moves there, so that no half of a picture is ever found.
-void write_file(const std::string& file, const std::string& contents) {
-  const fs::path new_file = file + ".new";
-  std::error_code error;
-  std::ofstream stream(new_file, std::ios::binary);
-  stream << contents;
-  stream.close();
-  if (stream) {
-    fs::rename(new_file, file, error);
-    if (!error) return;
-  }
-  std::error_code ignored;
-  fs::remove(new_file, ignored);
-  throw T_TOOL_FAILURE(fmt::format("{}: the file can't be written", file),
-                       "name a file in a folder that is there and in which you may write");
-}
 
 bool is_loaded(const T_DRAWN_LANE& lane) {
   return lane.carries != CARRIES::NOTHING;
@@ -190,13 +163,13 @@ void check_answer(const T_PLOT_OPTIONS& options, const T_ENVELOPE_ANSWER& answer
 }
 
 void run(const T_PLOT_OPTIONS& options) {
-  const PICTURE format = *picture_format(options.picture_file);
+  const PICTURE format = *PICTURE_FORMAT(options.picture_file);
   const T_ENVELOPE_ANSWER answer = ANSWER_TO(options.question);
   check_answer(options, answer);
   const T_SHEET sheet = make_sheet(options, answer);
   const std::string script = SHEET_SCRIPT(sheet, format);
-  if (!options.script_file.empty()) write_file(options.script_file, script);
-  write_file(options.picture_file, RUN_GNUPLOT(script));
+  if (!options.script_file.empty()) WRITE_PICTURE_FILE(options.script_file, script);
+  WRITE_PICTURE_FILE(options.picture_file, RUN_GNUPLOT(script));
   PRINT(fmt::format("Written: {}\n", options.picture_file));
   for (const std::string& note : answer.report.notes) fmt::print(stderr, "note: {}\n", note);
 }
@@ -210,12 +183,7 @@ void ADD_PLOT_COMMAND(CLI::App& program) {
   ADD_QUESTION_OPTIONS(command, options->question);
   command.add_option("-o,--output", options->picture_file, "Picture to write, .svg or .png")
       ->required()
-      ->check(CLI::Validator(
-          [](const std::string& file) {
-            return picture_format(file) ? std::string()
-                                        : fmt::format("'{}' ends neither in .svg nor in .png", file);
-          },
-          ""))
+      ->check(CLI::Validator(PICTURE_FILE_FAULT, ""))
       ->type_name("FILE");
   command.add_option("--lane", options->lane, "Draw this lane alone; else all that carry something");
   command.add_option("--side", options->side, "Maximum, minimum or both")

@@ -464,6 +464,16 @@ class SIDE_DRAWER {
 
 }  // namespace
 
+std::vector<T_INFLUENCE_LINE> LINES_OF_LANE(const kernel::T_MODEL& model, const search::T_LOAD_ORD& LOAD_ORD,
+                                            ROW_LAYOUT layout, const search::T_LANE& lane) {
+  constexpr std::int32_t NO_CLASS = 0;
+  const T_LINE_SOURCE source{model, LOAD_ORD, layout};
+  const T_LANE_LINES lines = LINE_BUILDER(source).LINES(lane, NO_CLASS, lane.IS_STRADDLE);
+  std::vector<T_INFLUENCE_LINE> drawn;
+  for (const T_ORDINATES& plane : lines.PLANES) drawn.push_back(influence_line(lines.LINE(plane)));
+  return drawn;
+}
+
 T_INFLUENCE_LINE PART_OF(const T_INFLUENCE_LINE& line, const T_STRETCH& stretch) {
   T_INFLUENCE_LINE part;
   for (std::size_t i = 0; i + 1 < line.size(); ++i) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "kernel/run_state.h"
+#include "results/result_skeleton.h"
 #include "tools/envelope_report.h"
 #include "tools/governing_loading.h"
 #include "tools/host_run.h"
@@ -23,8 +24,16 @@ struct T_LINE_POINT {
   double x = 0.0;  // distance along the lane
   double before = 0.0;
   double after = 0.0;
+  bool operator==(const T_LINE_POINT&) const = default;
 };
 using T_INFLUENCE_LINE = std::vector<T_LINE_POINT>;
+
+/// The influence lines of a lane as a run builds them, given the response of one component to every unit load:
+/// one line, or those of the planes of a straddle lane. Without the lane definitions of vehicle classes.
+[[nodiscard]] std::vector<T_INFLUENCE_LINE> LINES_OF_LANE(const kernel::T_MODEL& model,
+                                                          const search::T_LOAD_ORD& LOAD_ORD,
+                                                          results::ROW_LAYOUT layout,
+                                                          const search::T_LANE& lane);
 
 /// The part of a line over a stretch, its ends interpolated.
 [[nodiscard]] T_INFLUENCE_LINE PART_OF(const T_INFLUENCE_LINE& line, const T_STRETCH& stretch);

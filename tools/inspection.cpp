@@ -117,4 +117,15 @@ T_INSPECTION INSPECT(const T_MODEL_FILE& file, std::int32_t most_shown) {
   return INSPECTOR(file, most_shown).READ();
 }
 
+void INSPECT_VOLUMES(const std::string& base_path, const std::optional<std::string>& included,
+                     T_INSPECTION& inspection) {
+  try {
+    store::INFLUENCE_STORE store;
+    OPEN_STORE(store, base_path, included);
+    inspection.volumes = READ_VOLUME_CONTENTS(store, base_path, included);
+  } catch (const T_TOOL_FAILURE& failure) {
+    inspection.failures.emplace_back(failure.what());
+  }
+}
+
 }  // namespace tools

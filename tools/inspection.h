@@ -1,5 +1,5 @@
-// What a model's block directory file and its element files hold, as far as it can be read: a damaged part is told, and the rest
-// is shown all the same.
+// What a model's block directory file, its element files and its influence volumes hold, as far as it can be
+// read: a damaged part is told, and the rest is shown all the same.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +14,7 @@
 #include "tools/model_files.h"
 #include "tools/moving_load_cases.h"
 #include "tools/result_points.h"
+#include "tools/volume_contents.h"
 
 namespace tools {
 
@@ -24,7 +25,7 @@ struct T_NAMED_VEHICLE {
 };
 
 struct T_INSPECTION {
-  T_MODEL_FILE file;
+  T_MODEL_FILE file;  // without a name where there are volumes alone
   T_DIRECTORY directory;
   std::optional<kernel::T_COUNTS> counts;
   std::optional<std::vector<search::T_LANE>> lanes;
@@ -33,11 +34,16 @@ struct T_INSPECTION {
   std::optional<bool> has_axle_lists;
   std::optional<std::vector<T_CASE>> cases;
   std::vector<T_RESULT_POINTS> results;  // kinds whose block or element files are there
-  std::vector<std::string> failures;     // a line for each part that can't be read
+  std::optional<T_VOLUME_CONTENTS> volumes;
+  std::vector<std::string> failures;  // a line for each part that can't be read
 };
 
 /// Reads everything; of each moving load case up to `most_shown` combinations. Throws T_TOOL_FAILURE only
 /// where there is no file.
 [[nodiscard]] T_INSPECTION INSPECT(const T_MODEL_FILE& file, std::int32_t most_shown);
+
+/// Adds what the influence volumes of a base path hold, together with those of an included set.
+void INSPECT_VOLUMES(const std::string& base_path, const std::optional<std::string>& included,
+                     T_INSPECTION& inspection);
 
 }  // namespace tools

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tools/text_layout.h"
+#include "tools/volume_report.h"
 
 namespace tools {
 namespace {
@@ -371,25 +372,31 @@ ordered_json results_json(const T_INSPECTION& inspection) {
 }  // namespace
 
 std::string INSPECTION_TEXT(const T_INSPECTION& inspection) {
+  const std::string volumes = inspection.volumes ? VOLUMES_TEXT(*inspection.volumes) : "";
+  if (inspection.file.file_name.empty()) return volumes;
   return fmt::format("{}: {} bytes, analysis code {}\n", inspection.file.file_name,
                      inspection.directory.file_bytes, inspection.file.analysis_code) +
          directory_text(inspection.directory) + counts_text(inspection) + lanes_text(inspection) +
          vehicles_text(inspection) + cases_text(inspection) + element_files_text(inspection) +
-         results_text(inspection);
+         results_text(inspection) + (volumes.empty() ? "" : "\n" + volumes);
 }
 
 std::string INSPECTION_JSON(const T_INSPECTION& inspection) {
-  const ordered_json json{{"file", inspection.file.file_name},
-                          {"bytes", inspection.directory.file_bytes},
-                          {"analysis_code", inspection.file.analysis_code},
-                          {"directory", directory_json(inspection.directory)},
-                          {"counts", counts_json(inspection)},
-                          {"lanes", lanes_json(inspection)},
-                          {"vehicles", vehicles_json(inspection)},
-                          {"moving_load_cases", cases_json(inspection)},
-                          {"element_files", element_files_json(inspection)},
-                          {"results", results_json(inspection)},
-                          {"failures", inspection.failures}};
+  ordered_json volumes;
+  if (inspection.volumes) volumes = VOLUMES_JSON(*inspection.volumes);
+  ordered_json json{{"file", inspection.file.file_name},
+                    {"bytes", inspection.directory.file_bytes},
+                    {"analysis_code", inspection.file.analysis_code},
+                    {"directory", directory_json(inspection.directory)},
+                    {"counts", counts_json(inspection)},
+                    {"lanes", lanes_json(inspection)},
+                    {"vehicles", vehicles_json(inspection)},
+                    {"moving_load_cases", cases_json(inspection)},
+                    {"element_files", element_files_json(inspection)},
+                    {"results", results_json(inspection)},
+                    {"influence_volumes", std::move(volumes)},
+                    {"failures", inspection.failures}};
+  if (inspection.file.file_name.empty()) json["file"] = json["bytes"] = json["analysis_code"] = nullptr;
   // File names and tags may hold any bytes; what isn't UTF-8 is replaced.
   return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }

@@ -87,8 +87,12 @@ void check_length(const std::string& base_name) {
   throw T_TOOL_FAILURE(reason, ADVICE_FOR(reason));
 }
 
+std::vector<std::int32_t> codes_to_try(std::optional<std::int32_t> analysis_code) {
+  return analysis_code ? std::vector{*analysis_code} : all_codes();
+}
+
 T_MODEL_FILE find(const std::string& given, std::optional<std::int32_t> analysis_code) {
-  const std::vector<std::int32_t> codes = analysis_code ? std::vector{*analysis_code} : all_codes();
+  const std::vector<std::int32_t> codes = codes_to_try(analysis_code);
   const std::optional<std::int32_t> named = code_of_name(given, codes);
   if (named && exists(given))
     return model_file(given.substr(0, given.size() - extension_of(*named).size()), *named);
@@ -111,6 +115,13 @@ T_MODEL_FILE find(const std::string& given, std::optional<std::int32_t> analysis
 }
 
 }  // namespace
+
+bool HAS_MODEL_FILE(const std::string& given, std::optional<std::int32_t> analysis_code) {
+  const std::vector<std::int32_t> codes = codes_to_try(analysis_code);
+  if (code_of_name(given, codes) && exists(given)) return true;
+  return std::ranges::any_of(codes,
+                             [&given](std::int32_t code) { return exists(given + extension_of(code)); });
+}
 
 T_MODEL_FILE FIND_MODEL_FILE(const std::string& given, std::optional<std::int32_t> analysis_code) {
   T_MODEL_FILE file = find(given, analysis_code);

@@ -17,6 +17,9 @@ struct T_MODEL_FILE {
   std::string file_name;  // base name and extension
 };
 
+/// Whether FIND_MODEL_FILE has a file to find.
+[[nodiscard]] bool HAS_MODEL_FILE(const std::string& given, std::optional<std::int32_t> analysis_code);
+
 /// Finds the file of a base name, or of a full file name. Without an analysis code the extension tells it;
 /// where the name has none, .ZA3 comes first, and else the one file that is there counts.
 /// Throws T_TOOL_FAILURE where no file fits, or more than one does.

@@ -1,4 +1,4 @@
-// The command line program: four commands over the library.
+// The command line program: five commands over the library.
 //
 // Exit codes: 0 done, 1 the work failed, 2 the command line is wrong. Results go to standard output, messages
 // to standard error: what went wrong in one line, what to do about it in the next.
@@ -13,6 +13,7 @@
 #include "movload.h"
 #include "tools/command_envelope.h"
 #include "tools/command_example.h"
+#include "tools/command_influence.h"
 #include "tools/command_inspect.h"
 #include "tools/command_plot.h"
 #include "tools/tool_failure.h"
@@ -47,6 +48,7 @@ int run(int argc, char** argv) {
       "Each command has a --help of its own. Exit codes: 0 done, 1 failed, 2 wrong usage.");
   tools::ADD_EXAMPLE_COMMAND(program);
   tools::ADD_INSPECT_COMMAND(program);
+  tools::ADD_INFLUENCE_COMMAND(program);
   tools::ADD_ENVELOPE_COMMAND(program);
   tools::ADD_PLOT_COMMAND(program);
   try {

@@ -59,6 +59,25 @@ std::string PLOT_CANVAS::at(const T_SPOT& spot) const {
   return fmt::format("screen {:.5f},{:.5f}", spot.x / width_, 1.0 - spot.y / height_);
 }
 
+void PLOT_CANVAS::BEGIN(PICTURE format) {
+  if (format == PICTURE::SVG) {
+    script_ += fmt::format("set encoding utf8\nset terminal svg size {:.0f},{:.0f} font 'sans-serif,11'",
+                           width_, height_);
+  } else {
+    // Twice as many pixels as points; gnuplot takes a font's size for one at 96 pixels to 72.
+    constexpr double PIXELS = 2.0;
+    script_ += fmt::format(
+        "set encoding utf8\nset terminal pngcairo size {:.0f},{:.0f} font 'sans-serif,11' fontscale {} "
+        "linewidth {} pointscale {}",
+        PIXELS * width_, PIXELS * height_, PIXELS * 0.75, PIXELS, PIXELS);
+  }
+  script_ +=
+      " enhanced background rgb '#ffffff'\n"
+      "set multiplot\nunset key\nset border 3 lw 0.8\nset xzeroaxis lt 1 lw 0.8 lc rgb '#000000'\n"
+      "set tics out nomirror scale 0.5 font ',11' format '%g'\nset xtics offset 0,0.3\n"
+      "set ytics offset 0.5,0\n";
+}
+
 void PLOT_CANVAS::FILL(const T_BOX& box, std::string_view colour) {
   script_ +=
       fmt::format("set object rectangle from {} to {} behind fillstyle solid noborder fillcolor rgb '{}'\n",

@@ -31,6 +31,8 @@ struct T_FONT {
   std::string_view colour = "#000000";
 };
 
+enum class PICTURE { SVG, PNG };
+
 enum class ALIGN { LEFT, CENTRE, RIGHT };
 
 /// A string as gnuplot reads it: in single quotes, in which it replaces nothing. Control characters become
@@ -43,6 +45,9 @@ enum class ALIGN { LEFT, CENTRE, RIGHT };
 class PLOT_CANVAS {
  public:
   PLOT_CANVAS(double width, double height) : width_(width), height_(height) {}
+
+  /// The commands that come first: format, size, and what all plots have in common.
+  void BEGIN(PICTURE format);
 
   /// Filled without a border, behind everything else.
   void FILL(const T_BOX& box, std::string_view colour);

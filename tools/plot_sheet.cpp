@@ -541,7 +541,7 @@ class SHEET_DRAWER {
   std::string SCRIPT(PICTURE format) {
     const double height = top_of_rows() + rows_height() + footnotes_height() + MARGIN;
     PLOT_CANVAS canvas(width_, height);
-    canvas.COMMANDS(preamble(format, height));
+    canvas.BEGIN(format);
     int number = 0;
     double top = top_of_rows();
     for (std::size_t row = 0; row < rows(); ++row) {
@@ -593,24 +593,6 @@ class SHEET_DRAWER {
       }
     }
     return lines;
-  }
-
-  [[nodiscard]] std::string preamble(PICTURE format, double height) const {
-    std::string terminal;
-    if (format == PICTURE::SVG) {
-      terminal = fmt::format("svg size {:.0f},{:.0f} font 'sans-serif,11'", width_, height);
-    } else {
-      // Twice as many pixels as points; gnuplot takes a font's size for one at 96 pixels to 72.
-      constexpr double PIXELS = 2.0;
-      terminal = fmt::format(
-          "pngcairo size {:.0f},{:.0f} font 'sans-serif,11' fontscale {} linewidth {} pointscale {}",
-          PIXELS * width_, PIXELS * height, PIXELS * 0.75, PIXELS, PIXELS);
-    }
-    return "set encoding utf8\nset terminal " + terminal +
-           " enhanced background rgb '#ffffff'\n"
-           "set multiplot\nunset key\nset border 3 lw 0.8\nset xzeroaxis lt 1 lw 0.8 lc rgb '#000000'\n"
-           "set tics out nomirror scale 0.5 font ',11' format '%g'\nset xtics offset 0,0.3\nset ytics offset "
-           "0.5,0\n";
   }
 
   void draw_headings(PLOT_CANVAS& canvas) const {

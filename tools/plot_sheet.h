@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/drawn_loading.h"
+#include "tools/plot_canvas.h"
 
 namespace tools {
 
@@ -23,8 +24,6 @@ struct T_SHEET {
   std::vector<T_SHEET_COLUMN> columns;
   std::vector<std::string> footnotes;
 };
-
-enum class PICTURE { SVG, PNG };
 
 /// The gnuplot script that writes the picture to standard output.
 [[nodiscard]] std::string SHEET_SCRIPT(const T_SHEET& sheet, PICTURE format);

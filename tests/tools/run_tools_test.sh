@@ -51,7 +51,7 @@ json() {
 # Help and version.
 expect 0 --version
 says out "movload "
-for command in example inspect envelope plot; do
+for command in example inspect influence envelope plot; do
   expect 0 "$command" --help
   says out "Example"
 done
@@ -218,6 +218,9 @@ expect 2 envelop
 expect 2 envelope $bridge
 expect 2 envelope $bridge --kind 7 --id 1 --item 1 --case 1
 expect 2 envelope $bridge --kind disp --id one --item 1 --case 1
+expect 2 influence $bridge --kind 7 --id 1
+expect 2 influence $bridge --kind disp --id 1 --csv --json
+expect 2 influence $bridge --kind disp --id 1 --item 3 --picture line.svg
 expect 2 example . --which tunnel
 expect 2 example . --span 30
 expect 2 inspect $bridge --analysis-code 9
@@ -225,6 +228,8 @@ expect 2 inspect $bridge --analysis-code 9
 # Questions that fail, and questions beyond the files.
 expect 1 inspect bridges/new/brigde
 says err "In that folder: bridge.ZA3"
+expect 1 influence bridges/new/brigde --kind disp --id 1
+says err "there is no influence volume bridges/new/brigde_000.BLK"
 expect 1 envelope $bridge --kind disp --id 1 --item 9 --case 1
 says err "RESULT_ITEM is 9, outside 1 to 6"
 expect 1 envelope $bridge --kind elink --id 1 --item 1 --case 1

@@ -1,0 +1,204 @@
+// What the command line tells of influence volumes: which values are the columns of which item, and what two
+// sets hold together.
+#include <gtest/gtest.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <random>
+
+#include "kernel/driver.h"
+#include "modelkit/model_writer.h"
+#include "modelkit/random_model.h"
+#include "modelkit/volume_writer.h"
+#include "tests/temporary_directory.h"
+#include "tools/command_influence.h"
+#include "tools/command_inspect.h"
+#include "tools/influence_picture.h"
+#include "tools/influence_values.h"
+#include "tools/tool_failure.h"
+
+namespace tools {
+namespace {
+
+class InfluenceVolumes : public testing::Test {
+ protected:
+  [[nodiscard]] std::string path(const std::string& name) const { return files_.NAME(name); }
+
+  /// What a command prints, or the line that it fails with.
+  [[nodiscard]] static std::string run(const std::string& arguments) {
+    CLI::App program;
+    ADD_INFLUENCE_COMMAND(program);
+    ADD_INSPECT_COMMAND(program);
+    testing::internal::CaptureStdout();
+    std::string failure;
+    try {
+      program.parse(arguments);
+    } catch (const T_TOOL_FAILURE& error) {
+      failure = std::string(error.what()) + '\n' + error.ADVICE();
+    }
+    const std::string output = testing::internal::GetCapturedStdout();
+    return failure.empty() ? output : failure;
+  }
+  [[nodiscard]] static nlohmann::json answer(const std::string& arguments) {
+    return nlohmann::json::parse(run(arguments + " --json"));
+  }
+
+ private:
+  TEMPORARY_DIRECTORY files_;
+};
+
+/// Of every item the responses and the lines of a run that reads the block directory and element files.
+TEST_F(InfluenceVolumes, ItemsHaveTheValuesAndTheLinesOfARun) {
+  std::mt19937_64 random(5400);
+  for (int n = 0; n < 4; ++n) {
+    modelkit::T_RANDOM_OPTIONS features;
+    features.straddle_lanes = 0.5;
+    modelkit::T_MODEL written = modelkit::NUMBER_ELEMENTS_APART(modelkit::RANDOM_MODEL(random, features));
+    written.elements_per_file = 1000;
+    const modelkit::T_VOLUME_FORM form{.both_codes = true, .included_loads = n % 2 * written.unit_loads / 2};
+    kernel::T_REQUEST request;
+    request.FILE_NAME = modelkit::WRITE_MODEL(written, path("model")).path;
+    modelkit::WRITE_VOLUMES(written, path("model"), form, path("included"));
+    kernel::RECORD_FILE unit;
+    kernel::T_MODEL model;
+    ASSERT_TRUE(kernel::READ_MODEL(unit, request, std::numeric_limits<std::int32_t>::max(), model).OK());
+
+    const auto check = [&](std::string_view kind, const std::vector<modelkit::T_RESPONSE>& responses) {
+      for (const modelkit::T_RESPONSE& result : responses) {
+        T_INFLUENCE_QUESTION question{
+            .base_path = path("model"), .kind = FIND_STORED_KIND(kind), .id = result.id};
+        if (form.included_loads > 0) question.included = path("included");
+        const T_INFLUENCE_VALUES values = READ_INFLUENCE(question);
+        request.RESULT_KIND = question.kind->result_kind;
+        request.RESULT_ID = result.id;
+        EXPECT_EQ(std::ssize(values.point.items), results::ITEMS_OF(request.RESULT_KIND, model.COUNTS))
+            << kind;
+        for (const T_ROW_ITEM& item : values.point.items) {
+          request.RESULT_ITEM = item.number;
+          results::T_RESPONSE response;
+          ASSERT_TRUE(
+              results::READ_RESPONSE(model, request, kernel::COMPONENT_OF(request), unit, response).OK());
+          ASSERT_EQ(response.LOAD_ORD.COLUMNS, std::ssize(item.positions)) << kind << ' ' << item.number;
+          int differences = 0;
+          for (std::int32_t load = 1; load <= values.loads; ++load)
+            for (std::int32_t c = 1; c <= response.LOAD_ORD.COLUMNS; ++c)
+              differences += values.AT(load, item.positions[static_cast<std::size_t>(c - 1)]) !=
+                             (response.LOAD_ORD.IS_ZERO() ? 0.0F : response.LOAD_ORD.VALUES(c, load));
+          EXPECT_EQ(differences, 0) << kind << ' ' << result.id << ", item " << item.number;
+          for (std::int32_t lane = 1; lane <= model.COUNTS.NUM_LANE; ++lane)
+            EXPECT_EQ(LINES_ALONG_LANE(values, item, model, lane),
+                      LINES_OF_LANE(model, response.LOAD_ORD, response.FAMILY->LAYOUT, model.LANE(lane)))
+                << kind << ' ' << item.number;
+        }
+      }
+    };
+    check("disp", written.disp);
+    check("ldisp", written.ldisp);
+    check("reac", written.reac);
+    check("lreac", written.lrac);
+    check("simb", written.simb);
+    check("elink", written.elnk);
+    check("nlink", written.nlnk);
+    check("truss", written.trusses);
+    check("beam", written.beams);
+    check("plate", written.plates);
+    check("wall", written.walls);
+
+    const std::string picture = path("line.svg");
+    (void)run("influence " + path("model") +
+              (form.included_loads > 0 ? " --include " + path("included") : "") +
+              " --kind disp --item 3 --lane 1 --id " + std::to_string(written.disp.front().id) +
+              " --picture " + picture);
+    EXPECT_TRUE(std::filesystem::remove(picture));
+  }
+}
+
+/// A response whose value tells where it belongs.
+modelkit::T_RESPONSE numbered(std::int32_t id, int values, int loads) {
+  modelkit::T_RESPONSE response{.id = id};
+  for (int v = 1; v <= values; ++v) {
+    std::vector<float>& line = response.values.emplace_back();
+    for (int load = 1; load <= loads; ++load) line.push_back(static_cast<float>(1000 * load + v));
+  }
+  return response;
+}
+
+/// Two sets of two and of three unit loads, with what only hosts read.
+void write_pair(const std::string& primary, const std::string& included) {
+  constexpr int LOADS = 5;
+  modelkit::T_MODEL model{.unit_loads = LOADS};
+  model.disp = {numbered(2, 6, LOADS), numbered(7, 6, LOADS), numbered(9, 6, LOADS)};
+  model.disp[1].values.assign(6, {0, 0, 3, 4, 5});
+  modelkit::T_VOLUME_FORM form{.volumes = 2, .included_loads = 2, .leave_out_zeros = true};
+  form.host_elements.composite_parts = 2;
+  form.host_elements.composite_bars = {numbered(30, 70, LOADS)};
+  form.host_elements.virtual_bars = {numbered(31, 4, LOADS)};
+  form.host_elements.solids = {numbered(32, 78, LOADS)};
+  form.host_elements.element_nodes = {{32, {2, 7, 9}}};
+  modelkit::WRITE_VOLUMES(model, primary, form, included);
+}
+
+TEST_F(InfluenceVolumes, TwoSetsAreShownAsOne) {
+  write_pair(path("own"), path("more"));
+  const std::string both = path("own") + " --include " + path("more");
+  const nlohmann::json volumes = answer("inspect " + both)["influence_volumes"];
+  EXPECT_EQ(volumes["loads"], 5);
+  EXPECT_EQ(volumes["sets"][0]["loads"], 2);
+  EXPECT_EQ(volumes["sets"][1]["first_load"], 3);
+  EXPECT_EQ(volumes["sets"][1]["load_id_runs"], nlohmann::json::parse("[[3, 5]]"));
+  EXPECT_EQ(volumes["sets"][1]["volumes"].size(), 2U);
+  EXPECT_EQ(volumes["lists"][0]["ids_by_set"], nlohmann::json::parse("[2, 3]"));
+  EXPECT_EQ(volumes["lists"][0]["id_runs"], nlohmann::json::parse("[[2, 2], [7, 7], [9, 9]]"));
+  EXPECT_EQ(volumes["composite_parts"], 2);
+  EXPECT_EQ(volumes["elements_with_nodes"], 1);
+  EXPECT_TRUE(volumes["notes"].empty());
+
+  EXPECT_EQ(run("influence " + both + " --kind disp --id 7 --item 3 --csv"),
+            "load,load_id,item_3\n1,1,0\n2,2,0\n3,3,3\n4,4,4\n5,5,5\n");
+  EXPECT_NE(
+      run("influence " + both + " --kind disp --id 7").find("included set, which has nothing of this id"),
+      std::string::npos);
+  for (const auto& [kind, length, before] : {std::tuple{"composite --id 30 --part 2", 35, 35},
+                                             {"virtual --id 31", 4, 0},
+                                             {"solid --id 32", 78, 0}}) {
+    const nlohmann::json values = answer("influence " + both + " --load 5 --kind " + kind);
+    ASSERT_EQ(values["shape"], (std::vector{1, length})) << kind;
+    for (int v = 1; v <= length; ++v)
+      EXPECT_EQ(values["values"][0][static_cast<std::size_t>(v - 1)], 5000 + before + v) << kind;
+  }
+  EXPECT_EQ(answer("influence " + path("own") + " --kind solid --id 32")["nodes"], (std::vector{2, 7, 9}));
+}
+
+TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
+  write_pair(path("own"), path("more"));
+  const auto says = [](const std::string& told, const std::string& wanted) {
+    EXPECT_NE(told.find(wanted), std::string::npos) << told;
+  };
+  says(run("influence " + path("own") + " --kind disp --id 8"), "give an --id that they hold: 2, 7, 9");
+  says(run("influence " + path("own") + " --kind beam --id 32"), "that number is of kind solid");
+  says(run("influence " + path("own") + " --kind disp --id 2 --item 7"), "--item of 1 to 6");
+  says(run("influence " + path("own") + " --kind disp --id 2 --load 4"), "--load of 1 to 3");
+  says(run("influence " + path("own") + " --kind composite --id 30 --part 3"), "--part of 1 to 2");
+  says(run("influence " + path("ow") + " --kind disp --id 2"), "In that folder: more, own");
+  std::filesystem::resize_file(path("more_001.BLK"), 60);
+  for (const char* command : {"inspect ", "influence --kind disp --id 2 "})
+    says(run(command + path("own") + " --include " + path("more")), "more_001.BLK");
+
+  // Sets that the library joins all the same.
+  const modelkit::T_VOLUME_BLOCK nodes{.ids = {1, 2, 9}, .item_codes = {101}, .result_code = 101};
+  modelkit::T_VOLUME_BLOCK others = nodes;
+  others.ids = {1, 3, 9};
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{nodes}}}, path("nodes"));
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{others}}}, path("others"));
+  const std::string told = run("inspect " + path("nodes") + " --include " + path("others"));
+  says(told, "2 is read with values of 3");
+  others.ids = {1, 3, 8, 10, 11};
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{others}}}, path("others"));
+  says(run("inspect " + path("nodes") + " --include " + path("others")),
+       "2 ids of the included set behind the last one");
+}
+
+}  // namespace
+}  // namespace tools

@@ -1,0 +1,196 @@
+#include "tools/command_influence.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kernel/driver.h"
+#include "movload.h"
+#include "tools/gnuplot.h"
+#include "tools/influence_picture.h"
+#include "tools/influence_report.h"
+#include "tools/influence_values.h"
+#include "tools/model_files.h"
+#include "tools/picture_file.h"
+#include "tools/progress.h"
+#include "tools/text_layout.h"
+#include "tools/tool_failure.h"
+#include "tools/volume_files.h"
+
+namespace tools {
+namespace {
+
+struct T_INFLUENCE_OPTIONS {
+  std::string base;
+  std::string included;
+  std::string kind;
+  std::int32_t id = 0;
+  std::int32_t part = 1;
+  T_INFLUENCE_VIEW view;
+  bool csv = false;
+  bool json = false;
+  std::string picture_file;
+  std::int32_t lane = 0;
+  std::optional<std::int32_t> analysis_code;
+  std::string title;
+  std::string unit;
+};
+
+T_INFLUENCE_VALUES read_values(const T_INFLUENCE_OPTIONS& options) {
+  T_INFLUENCE_QUESTION question;
+  question.base_path = FIND_VOLUME_SET(options.base);
+  if (!options.included.empty()) question.included = FIND_VOLUME_SET(options.included);
+  question.kind = FIND_STORED_KIND(options.kind);
+  question.id = options.id;
+  question.part = options.part;
+  const T_PROGRESS progress("reading the influence volumes of " + question.base_path);
+  return READ_INFLUENCE(question);
+}
+
+/// Items and loads that are asked for must be there, or a table of nothing would look like an answer.
+void check_view(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
+  const T_STORED_POINT& point = values.point;
+  if (options.view.item && point.ITEM(*options.view.item) == nullptr) {
+    throw T_TOOL_FAILURE(fmt::format("{} {} has no item {}", point.kind->name, point.id, *options.view.item),
+                         point.items.empty()
+                             ? "the volumes hold no items for it"
+                             : fmt::format("give an --item of 1 to {}", point.items.back().number));
+  }
+  for (const std::int32_t load : options.view.loads) {
+    if (load >= 1 && load <= values.loads) continue;
+    throw T_TOOL_FAILURE(fmt::format("there is no unit load {}", load),
+                         values.loads == 0 ? "the volumes hold no unit loads"
+                                           : fmt::format("give a --load of 1 to {}", values.loads));
+  }
+}
+
+kernel::T_MODEL read_model(const T_MODEL_FILE& file) {
+  kernel::T_REQUEST request;
+  request.FILE_NAME = file.file_name;
+  request.ANALYSIS_CODE = file.analysis_code;
+  kernel::RECORD_FILE unit;
+  kernel::T_MODEL model;
+  constexpr std::int32_t ANY_NUMBER_OF_LANES = std::numeric_limits<std::int32_t>::max();
+  const STATUS status = kernel::READ_MODEL(unit, request, ANY_NUMBER_OF_LANES, model);
+  if (status.OK()) return model;
+  const std::string line = FAILURE_LINE(status, file.file_name);
+  throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
+}
+
+void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
+  const std::string& given = options.base;
+  const bool is_directory_file = HAS_MODEL_FILE(given, options.analysis_code);
+  const T_MODEL_FILE file =
+      FIND_MODEL_FILE(is_directory_file ? given : values.base_path, options.analysis_code);
+  const kernel::T_MODEL model = read_model(file);
+  const T_ROW_ITEM& item = *values.point.ITEM(*options.view.item);
+  const std::string result =
+      fmt::format("{} {}, item {}", values.point.kind->name, values.point.id, item.number);
+  const std::string meaning = fmt::format("{} ({}: {})", result, values.point.kind->meaning, item.meaning);
+  T_LINE_PICTURE picture;
+  picture.title = options.title.empty() ? meaning : options.title;
+  picture.subtitle =
+      fmt::format("{}nfluence line along lane {} of {}", options.title.empty() ? "I" : meaning + ", i",
+                  options.lane, model.LANES.size());
+  picture.unit = options.unit;
+  picture.lines = LINES_ALONG_LANE(values, item, model, options.lane);
+  if (picture.lines.empty() || picture.lines.front().empty()) {
+    throw T_TOOL_FAILURE(fmt::format("lane {} has no points to draw a line over", options.lane),
+                         "run `movload inspect` to see the lanes");
+  }
+  picture.footnotes = {
+      "Ordinates as the solver gives them, upward where positive; distances run along the lane from its "
+      "start.",
+      fmt::format("movload {}, {}", movload_version(),
+                  std::filesystem::path(values.base_path).filename().string())};
+  WRITE_PICTURE_FILE(options.picture_file,
+                     RUN_GNUPLOT(LINE_PICTURE_SCRIPT(picture, *PICTURE_FORMAT(options.picture_file))));
+  PRINT(fmt::format("Written: {}\n", options.picture_file));
+}
+
+void run(const T_INFLUENCE_OPTIONS& options) {
+  const T_INFLUENCE_VALUES values = read_values(options);
+  check_view(options, values);
+  if (!options.picture_file.empty())
+    draw(options, values);
+  else if (options.csv)
+    PRINT(INFLUENCE_CSV(values, options.view));
+  else
+    PRINT(options.json ? INFLUENCE_JSON(values, options.view) : INFLUENCE_TEXT(values, options.view));
+}
+
+std::string kind_help() {
+  std::vector<std::string> names;
+  for (const T_STORED_KIND& kind : ALL_STORED_KINDS()) names.emplace_back(kind.name);
+  std::string text = "Kind of result:";
+  for (const std::string& line : WRAP(names, ", ", 60)) text += "\n" + line;
+  return text + "\n(elink and nlink stand in one list)";
+}
+
+std::string kind_fault(const std::string& text) {
+  return FIND_STORED_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text) : std::string();
+}
+
+void add_picture_options(CLI::App& command, T_INFLUENCE_OPTIONS& options, CLI::Option* item) {
+  CLI::Option* const lane = command.add_option("--lane", options.lane, "Lane of the picture, from 1");
+  CLI::Option* const picture = command
+                                   .add_option("--picture", options.picture_file,
+                                               "Draw the influence line of --item along --lane, .svg or .png")
+                                   ->check(CLI::Validator(PICTURE_FILE_FAULT, ""))
+                                   ->type_name("FILE")
+                                   ->needs(item, lane)
+                                   ->excludes("--json", "--csv", "--load");
+  lane->needs(picture);
+  command.add_option("--title", options.title, "What the item is, to stand above the picture")
+      ->needs(picture);
+  command.add_option("--unit", options.unit, "Unit of the item, such as kNm; the files don't tell")
+      ->needs(picture);
+  command
+      .add_option("--analysis-code", options.analysis_code,
+                  "Chooses the block directory file with the lanes, as for the other commands")
+      ->check(CLI::Range(FIRST_ANALYSIS_CODE, LAST_ANALYSIS_CODE))
+      ->type_name("CODE")
+      ->needs(picture);
+}
+
+}  // namespace
+
+void ADD_INFLUENCE_COMMAND(CLI::App& program) {
+  const auto options = std::make_shared<T_INFLUENCE_OPTIONS>();
+  CLI::App& command =
+      *program.add_subcommand("influence", "Show the influence values of a node or element under unit loads");
+  command.add_option("BASE", options->base, "The influence volumes: path and stem, without _000.BLK")
+      ->type_name("")
+      ->required();
+  command.add_option("--kind", options->kind, kind_help())
+      ->required()
+      ->check(CLI::Validator(kind_fault, ""))
+      ->type_name("KIND");
+  command.add_option("--id", options->id, "Number of the node, support or element")->required();
+  CLI::Option* const item = command.add_option("--item", options->view.item, "Component, from 1; else all");
+  command.add_option("--load", options->view.loads, "Unit loads, from 1; else all")->type_name("LOAD");
+  command.add_option("--part", options->part, "Part of a composite bar")->capture_default_str();
+  command.add_option("--include", options->included, "Join this set of volumes, whose unit loads come first")
+      ->type_name("BASE");
+  command.add_flag("--all", options->view.all, "Show every row of a long table");
+  CLI::Option* const json = command.add_flag("--json", options->json, "Print JSON, for programs");
+  command.add_flag("--csv", options->csv, "Print comma-separated values, a line for each unit load")
+      ->excludes(json);
+  add_picture_options(command, *options, item);
+  command.footer(
+      "Examples:\n"
+      "  movload influence demo/bridge --kind beam --id 18\n"
+      "  movload influence demo/bridge --kind beam --id 18 --item 15 --csv\n"
+      "  movload influence demo/bridge --kind beam --id 18 --item 15 --lane 2 --picture line.svg\n"
+      "`movload inspect BASE` lists kinds and ids.");
+  command.callback([options] { run(*options); });
+}
+
+}  // namespace tools
