@@ -34,9 +34,11 @@ T_INSPECTION inspect(const T_INSPECT_OPTIONS& options) {
   std::optional<std::string> included;
   if (!options.included.empty()) included = FIND_VOLUME_SET(options.included);
   const std::optional<std::string> volumes = included ? FIND_VOLUME_SET(given) : FIND_VOLUMES(given);
-  const bool has_file = HAS_MODEL_FILE(given, options.model.analysis_code);
+  // An analysis code asks for a block directory file.
+  const bool has_volumes_alone =
+      volumes && !options.model.analysis_code && !HAS_MODEL_FILE(given, std::nullopt);
   T_INSPECTION inspection;
-  if (has_file || !volumes) {
+  if (!has_volumes_alone) {
     const T_MODEL_FILE file = options.model.FIND_FILE();
     const T_PROGRESS progress("reading " + file.file_name);
     inspection = INSPECT(file, options.all ? std::numeric_limits<std::int32_t>::max() : FIRST_FEW);

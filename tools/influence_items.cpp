@@ -232,6 +232,18 @@ const T_STORED_KIND* other_kind(const store::INFLUENCE_STORE& store, std::int32_
                                 RUNS_IN_WORDS(RUNS_OF(ids)), base_path));
 }
 
+/// No solver writes such a record; a damaged set may claim one.
+void check_size(const T_STORED_POINT& point) {
+  constexpr std::int64_t MOST_VALUES = 100'000;
+  for (const T_STORED_RECORD& record : point.records) {
+    const std::int64_t values = std::int64_t{record.shape.points} * record.shape.items;
+    if (values <= MOST_VALUES) continue;
+    throw T_TOOL_FAILURE(fmt::format("{} {} has {} points of {} items, too many to be shown",
+                                     point.kind->name, point.id, record.shape.points, record.shape.items),
+                         "the volumes are damaged: have the solver write them again");
+  }
+}
+
 /// An element of two families has no row, and a composite bar no part beyond its last.
 void check_readable(const store::INFLUENCE_STORE& store, const T_STORED_POINT& point) {
   constexpr std::int32_t FAMILY_BITS = 0x1F700;
@@ -277,6 +289,7 @@ T_STORED_POINT FIND_STORED_POINT(store::INFLUENCE_STORE& store, const T_STORED_K
       kind.lists[1] != kind.lists[0] ? add_record(store, kind.lists[1], point) : std::nullopt;
   if (point.records.empty()) fail_without_id(store, point, base_path);
   check_readable(store, point);
+  check_size(point);
   // Trusses have forces in either list.
   const bool is_truss = kind.form == ROW_FORM::TRUSS;
   ROW_MAKER(point, is_truss && !first ? second : first, second).MAKE();
