@@ -8,7 +8,7 @@
 using real = float;
 
 /// The two envelopes. As a last index the side stands for the pair everywhere.
-enum SIDE : int { MAX_SIDE = 0, MIN_SIDE = 1, N_SIDES = 2 };
+enum SIDE : unsigned { MAX_SIDE = 0, MIN_SIDE = 1, N_SIDES = 2 };
 
 /// A real truncated toward 0. What doesn't fit, or isn't a number, gives -2147483648: a conversion of such a
 /// value is undefined in C++, and the records need one answer on every platform.

@@ -343,7 +343,7 @@ std::vector<T_NAMED_RESULT> make_results() {
 
 std::vector<T_NAMED_RESULT> make_element_results() {
   const int inner_beam = BRIDGE_BEAM(2, 3);
-  const auto of_inner_beam = [inner_beam](const std::string& name, int item, const char* unit) {
+  const auto of_inner_beam = [&](const std::string& name, int item, const char* unit) {
     return T_NAMED_RESULT{name + ", inner beam", BEAM_KIND, inner_beam, item, unit};
   };
   return {

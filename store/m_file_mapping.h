@@ -48,7 +48,7 @@ class FILE_MAPPING {
   static constexpr std::intptr_t NO_FILE = -1;
 
   std::intptr_t file_ = NO_FILE;
-  std::intptr_t mapping_ = 0;  // of Windows
+  [[maybe_unused]] std::intptr_t mapping_ = 0;  // of Windows
   std::int64_t size_ = 0;
   std::byte* memory_ = nullptr;  // begin of what the view takes
   std::int64_t memory_bytes_ = 0;
