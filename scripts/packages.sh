@@ -6,6 +6,7 @@ TEST_PACKAGES=(abigail-tools binutils libbenchmark-dev libgtest-dev pkgconf pyth
 DEB_PACKAGES=(dpkg-dev file help2man)
 CHECK_PACKAGES=(clang-format clang-tidy)
 COVERAGE_PACKAGES=(gcovr)
+FUZZ_PACKAGES=(clang libclang-rt-14-dev libgtest-dev)
 
 # install_missing PACKAGE...: installs those that aren't there, and only those; silent where none is missing.
 install_missing() {
