@@ -28,6 +28,8 @@ struct T_MODEL_CHOICE {
 /// An edit or a call. Numbers that are too large for what they choose from begin again at 0.
 struct T_STEP {
   static constexpr std::uint8_t CALL_BIT = 0x80;
+  static constexpr std::uint16_t AMONG_COUNTS =
+      0x8000;  // from this A on an edit takes a word that is a count
 
   std::uint8_t OP = 0;      // with CALL_BIT a call of the target's list, else an EDIT
   std::uint8_t TARGET = 0;  // region of the files; kind of result

@@ -244,10 +244,13 @@ class editor {
       : bytes_(file.BYTES), region_(region), step_(step) {
     record_bytes_ = std::min(WORD * region.RECORD_WORDS, region.BYTES);
     records_ = std::max<std::int64_t>(region.BYTES / record_bytes_, 1);
+    record_ = step.A % records_;
+    word_ = step.B % (record_bytes_ / WORD);
+    if (step.A >= T_STEP::AMONG_COUNTS) find_count();
   }
 
-  [[nodiscard]] std::int64_t record() const { return step_.A % records_; }
-  [[nodiscard]] std::int64_t word() const { return step_.B % (record_bytes_ / WORD); }
+  [[nodiscard]] std::int64_t record() const { return record_; }
+  [[nodiscard]] std::int64_t word() const { return word_; }
   [[nodiscard]] std::int64_t at() const { return region_.OFFSET + record() * record_bytes_ + word() * WORD; }
 
   template <class T>
@@ -295,6 +298,21 @@ class editor {
   void grow() { bytes_.resize(std::min(bytes_.size() + std::size_t{step_.C} % 2000 * 4, MOST_BYTES)); }
 
  private:
+  /// Goes to one of the words that look like a count or a number of something; the others are mostly values.
+  void find_count() {
+    constexpr std::int32_t MOST = 9999;
+    std::vector<std::int64_t> words;
+    for (std::int64_t word = 0; word < region_.BYTES / WORD; ++word) {
+      std::int32_t value = 0;
+      if (!in_file(region_.OFFSET + word * WORD, WORD)) break;
+      std::memcpy(&value, byte(region_.OFFSET + word * WORD), WORD);
+      if (value >= 1 && value <= MOST) words.push_back(word);
+    }
+    if (words.empty()) return;
+    const std::int64_t found = words[step_.B % words.size()];
+    record_ = found / (record_bytes_ / WORD);
+    word_ = found % (record_bytes_ / WORD);
+  }
   [[nodiscard]] bool in_file(std::int64_t offset, std::int64_t count) const {
     return offset + count <= std::ssize(bytes_) && bytes_.size() < MOST_BYTES;
   }
@@ -308,6 +326,8 @@ class editor {
   const T_STEP& step_;
   std::int64_t record_bytes_ = WORD;
   std::int64_t records_ = 1;
+  std::int64_t record_ = 0;
+  std::int64_t word_ = 0;
 };
 
 void tell(const T_REGION& region, const editor& edit, const char* name, std::uint16_t value) {

@@ -41,7 +41,10 @@ T_STEP random_step(dice& dice) {
               .A = dice.number(),
               .B = dice.number(),
               .C = dice.number()};
-  if (dice.one_in(3)) step.OP = static_cast<std::uint8_t>(step.OP | T_STEP::CALL_BIT);
+  if (dice.one_in(3))
+    step.OP = static_cast<std::uint8_t>(step.OP | T_STEP::CALL_BIT);
+  else if (dice.one_in(2))
+    step.A = static_cast<std::uint16_t>(step.A | T_STEP::AMONG_COUNTS);
   return step;
 }
 
