@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "examples/published_bridges/published_answers.h"
 #include "modelkit/example_span.h"
 #include "tests/host/host_call.h"
 #include "tests/host/model_run.h"
-#include "tests/replay/published_answers.h"
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "examples/published_bridges/published_answers.h"
 #include "include/movload.h"
 #include "modelkit/model_writer.h"
-#include "tests/replay/published_answers.h"
 #include "tests/temporary_directory.h"
 
 namespace {
