@@ -251,7 +251,7 @@ class READER {
       const T_NODE* node = node_with_data(set, parts_[i]);
       if (node != nullptr) place_part(parts_[i], *node, layout_set, maps[i]);
     }
-    if (!fill_rows(maps)) std::fill_n(rows, loads * read_.POSITIONS, 0.0F);
+    if (!fills_rows(maps)) std::fill_n(rows, loads * read_.POSITIONS, 0.0F);
     for (std::size_t i = 0; i < parts_.size(); ++i) {
       if (maps[i].IS_EMPTY()) continue;
       const STATUS status =
@@ -272,7 +272,7 @@ class READER {
 
   /// Whether every position is about to be written. The parts may overlap where the sets disagree on the points
   /// of a plate.
-  [[nodiscard]] bool fill_rows(const std::array<T_ROW_MAP, 2>& maps) const {
+  [[nodiscard]] bool fills_rows(const std::array<T_ROW_MAP, 2>& maps) const {
     for (std::int32_t at = 0; at < read_.POSITIONS; ++at) {
       if (!maps[0].HAS(at) && !maps[1].HAS(at)) return false;
     }
