@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <filesystem>
+#include <cstdio>
 #include <fstream>
 #include <stdexcept>
 
@@ -69,7 +69,7 @@ void WRITE_ELEMENT_FILES(const T_MODEL& model, const std::string& directory_file
     for (int file_no = 1; file_no <= MOST_FILES; ++file_no) {
       const std::string path = stem + std::to_string(file_no);
       if (id == responses.size()) {
-        std::filesystem::remove(path);
+        std::remove(path.c_str());
         continue;
       }
       std::ofstream out(path, std::ios::binary | std::ios::trunc);

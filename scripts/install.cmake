@@ -5,6 +5,10 @@ include(CMakePackageConfigHelpers)
 add_library(movload::movload ALIAS movload)
 
 install(TARGETS movload EXPORT movload LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(WIN32)
+  # Of it other linkers make an import library of their own.
+  install(FILES ${PROJECT_BINARY_DIR}/movload.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(FILES include/movload.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 # The library needs nothing that its users would have to find first, so that the exported target is the whole

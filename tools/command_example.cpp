@@ -22,6 +22,7 @@
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
+#include "tools/file_names.h"
 #include "tools/progress.h"
 #include "tools/result_points.h"
 #include "tools/text_layout.h"
@@ -158,7 +159,7 @@ std::vector<std::string> name_ends() {
 
 /// Writes beside the files' place and then moves there, so that a file of other contents is never lost.
 T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTIONS& options) {
-  const fs::path folder(options.folder);
+  const fs::path folder = PATH_OF(options.folder);
   const std::string extension = modelkit::FILE_EXTENSION(0);
   const auto target = [&](const std::string& end) { return folder / (files.stem + extension + end); };
   const auto new_file = [&](const std::string& end) {
@@ -175,14 +176,14 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
                          "name a folder in which you may write");
   }
   try {
-    modelkit::WRITE_MODEL(files.model, (folder / (files.stem + ".new")).string());
+    modelkit::WRITE_MODEL(files.model, NAME_OF(folder / (files.stem + ".new")));
   } catch (const std::runtime_error& failure) {
     fail(failure.what(), "name a folder in which you may write, with room on its disk");
   }
   for (const std::string& end : name_ends()) {
     const bool is_other = fs::exists(target(end), error) && contents(target(end)) != contents(new_file(end));
     if (is_other && !options.force)
-      fail(fmt::format("{}: there is already a file of this name, with other contents", target(end).string()),
+      fail(fmt::format("{}: there is already a file of this name, with other contents", NAME_OF(target(end))),
            "name another folder, or add --force to replace the file");
   }
   T_WRITTEN_FILES written{.directory_file = target("")};
@@ -193,7 +194,7 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
     }
     fs::rename(new_file(end), target(end), error);
     if (error)
-      fail(fmt::format("{}: the file can't be put there: {}", target(end).string(), error.message()),
+      fail(fmt::format("{}: the file can't be put there: {}", NAME_OF(target(end)), error.message()),
            "name another folder");
     if (!end.empty()) ++written.element_files;
   }
@@ -219,10 +220,10 @@ void run(const T_EXAMPLE_OPTIONS& options) {
     written = write_files(files, options);
   }
   const fs::path& file = written.directory_file;
-  const std::string base = shell_word((file.parent_path() / files.stem).string());
+  const std::string base = shell_word(NAME_OF(file.parent_path() / files.stem));
   std::string text =
       fmt::format("{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
-                  file.string(), fs::file_size(file),
+                  NAME_OF(file), fs::file_size(file),
                   written.element_files == 0 ? ""
                                              : fmt::format(" and {} element file{}", written.element_files,
                                                            written.element_files == 1 ? "" : "s"),

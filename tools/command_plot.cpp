@@ -18,6 +18,7 @@
 #include "movload.h"
 #include "tools/drawn_loading.h"
 #include "tools/envelope_question.h"
+#include "tools/file_names.h"
 #include "tools/gnuplot.h"
 #include "tools/plot_sheet.h"
 #include "tools/text_layout.h"
@@ -39,7 +40,7 @@ struct T_PLOT_OPTIONS {
 };
 
 std::optional<PICTURE> picture_format(const std::string& file) {
-  std::string extension = fs::path(file).extension().string();
+  std::string extension = NAME_OF(PATH_OF(file).extension());
   std::ranges::transform(extension, extension.begin(),
                          [](char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; });
   if (extension == ".svg") return PICTURE::SVG;
@@ -49,13 +50,13 @@ std::optional<PICTURE> picture_format(const std::string& file) {
 
 /// Writes beside the file's place and then moves there, so that no half of a picture is ever found.
 void write_file(const std::string& file, const std::string& contents) {
-  const fs::path new_file = file + ".new";
+  const fs::path new_file = PATH_OF(file + ".new");
   std::error_code error;
   std::ofstream stream(new_file, std::ios::binary);
   stream << contents;
   stream.close();
   if (stream) {
-    fs::rename(new_file, file, error);
+    fs::rename(new_file, PATH_OF(file), error);
     if (!error) return;
   }
   std::error_code ignored;
@@ -148,7 +149,7 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
                     column.drawn.side == MAXIMUM ? "maximum" : "minimum"));
   }
   notes.push_back(
-      fmt::format("movload {}, {}", movload_version(), fs::path(report.file.file_name).filename().string()));
+      fmt::format("movload {}, {}", movload_version(), NAME_OF(PATH_OF(report.file.file_name).filename())));
   return notes;
 }
 
