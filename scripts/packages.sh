@@ -4,6 +4,7 @@
 BUILD_PACKAGES=(cmake g++ ninja-build libcli11-dev libeigen3-dev libfmt-dev nlohmann-json3-dev)
 TEST_PACKAGES=(binutils libbenchmark-dev libgtest-dev pkgconf)
 CHECK_PACKAGES=(clang-format clang-tidy)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64)
 
 # install_missing PACKAGE...: installs those that aren't there, and only those; silent where none is missing.
 install_missing() {
