@@ -11,21 +11,24 @@ jobs=${JOBS:-$(nproc)}
 
 echo "== windows"
 cmake --preset windows
-cmake --build --preset windows -j "$jobs"
+cmake --build --preset windows -j "$jobs" --target all movload_answers
 ctest --preset windows -j "$jobs"
 
 echo "== The Windows and the Linux build"
 cmake --preset release
-cmake --build --preset release -j "$jobs" --target movload_answers
+cmake --build --preset release -j "$jobs" --target movload_answers movload_answers_rounded
 linux=build/release/tests/movload_answers
-windows=build/windows/bin/movload_answers.exe
-models=build/windows/models
-rm -rf "$models"
-mkdir "$models"
-"$linux" models "$models"
-"$linux" ask "$models" >build/windows/answers-linux.txt
-tests/wine/wine.sh "$windows" ask "$models" >build/windows/answers-windows.txt
-"$linux" compare build/windows/answers-linux.txt build/windows/answers-windows.txt
+answers=build/windows/answers
+rm -rf "$answers"
+mkdir -p "$answers/models"
+"$linux" models "$answers/models"
+"$linux" ask "$answers/models" >"$answers/linux"
+"${linux}_rounded" ask "$answers/models" >"$answers/linux-rounded"
+tests/wine/wine.sh build/windows/bin/movload_answers.exe ask "$answers/models" >"$answers/windows"
+echo "As they are:"
+"$linux" compare "$answers/linux" "$answers/windows"
+echo "With the power function of Windows on both:"
+"$linux" equal "$answers/linux-rounded" "$answers/windows"
 
 echo "== The command line program"
 movload=build/windows/bin/movload
