@@ -16,8 +16,8 @@
  * so on; `lanes` is the NUM_LANE that the host passes. Indices given here run from 1, as do lanes, influence
  * points and range numbers; 0 means "none".
  *
- * Strings: a pointer and a length, no terminator needed. Values: in the solver's units, with no scale, sign
- * or unit changed by the library.
+ * Strings: a pointer and a length, no terminator needed; on Windows paths are in the ANSI code page. Values:
+ * in the solver's units, with no scale, sign or unit changed by the library.
  *
  * Files: the model's are only read. Where a model has vehicle classes with lane definitions of their own and
  * axles on several lanes, runs for trusses list the ordinates of its straddle lanes in "fort.78" of the

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <filesystem>
+#include <cstdio>
 #include <fstream>
 #include <span>
 #include <stdexcept>
@@ -72,7 +72,7 @@ void WRITE_ELEMENT_FILES(const T_MODEL& model, const std::string& directory_file
       const std::size_t end = std::min(id + per_file, responses.size());
       const std::span in_file(responses.data() + id, responses.data() + end);
       if (std::ranges::count(in_file, nullptr) == std::ssize(in_file)) {
-        std::filesystem::remove(path);
+        std::remove(path.c_str());
         id = end;
         continue;
       }

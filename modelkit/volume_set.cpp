@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <filesystem>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <numeric>
@@ -122,7 +122,7 @@ T_WRITTEN_VOLUME_BLOCK write_block(const T_VOLUME_BLOCK& block, std::size_t load
 
 void remove_set(const std::string& base_name) {
   for (std::int32_t volume = 1; volume <= MOST_VOLUMES; ++volume)
-    if (!std::filesystem::remove(VOLUME_PATH(base_name, volume))) return;
+    if (std::remove(VOLUME_PATH(base_name, volume).c_str()) != 0) return;
 }
 
 /// Appends blocks without data for the ids 1 to `ids`.

@@ -9,6 +9,10 @@ install(TARGETS movload EXPORT movload
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+if(WIN32)
+  # Of it other linkers make an import library of their own.
+  install(FILES ${PROJECT_BINARY_DIR}/movload.def DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+endif()
 install(FILES include/movload.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
   PATTERN __pycache__ EXCLUDE)

@@ -7,6 +7,7 @@ DEB_PACKAGES=(dpkg-dev file help2man)
 CHECK_PACKAGES=(clang-format clang-tidy)
 COVERAGE_PACKAGES=(gcovr)
 FUZZ_PACKAGES=(clang libclang-rt-14-dev libgtest-dev)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64)
 
 # install_missing PACKAGE...: installs those that aren't there, and only those; silent where none is missing.
 install_missing() {

@@ -23,6 +23,7 @@
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
 #include "modelkit/volume_writer.h"
+#include "tools/file_names.h"
 #include "tools/progress.h"
 #include "tools/result_points.h"
 #include "tools/text_layout.h"
@@ -174,7 +175,7 @@ void write_model(const modelkit::T_MODEL& model, bool has_included_set, const st
 
 /// Writes beside the files' place and then moves there, so that a file of other contents is never lost.
 T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTIONS& options) {
-  const fs::path folder(options.folder);
+  const fs::path folder = PATH_OF(options.folder);
   const auto target = [&](const std::string& end) { return folder / (files.stem + end); };
   const auto new_file = [&](const std::string& end) { return folder / (files.stem + ".new" + end); };
   std::error_code error;
@@ -188,14 +189,14 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
                          "name a folder in which you may write");
   }
   try {
-    write_model(files.model, options.included_set, new_file("").string());
+    write_model(files.model, options.included_set, NAME_OF(new_file("")));
   } catch (const std::runtime_error& failure) {
     fail(failure.what(), "name a folder in which you may write, with room on its disk");
   }
   for (const std::string& end : name_ends()) {
     const bool is_other = fs::exists(target(end), error) && contents(target(end)) != contents(new_file(end));
     if (is_other && !options.force)
-      fail(fmt::format("{}: there is already a file of this name, with other contents", target(end).string()),
+      fail(fmt::format("{}: there is already a file of this name, with other contents", NAME_OF(target(end))),
            "name another folder, or add --force to replace the file");
   }
   T_WRITTEN_FILES written;
@@ -206,7 +207,7 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
     }
     fs::rename(new_file(end), target(end), error);
     if (error)
-      fail(fmt::format("{}: the file can't be put there: {}", target(end).string(), error.message()),
+      fail(fmt::format("{}: the file can't be put there: {}", NAME_OF(target(end)), error.message()),
            "name another folder");
     if (end.ends_with(FIRST_VOLUME)) {
       written.volumes.push_back(target(end));
@@ -230,7 +231,7 @@ std::string shell_word(const std::string& text) {
 }
 
 std::string name_and_size(const fs::path& file) {
-  return fmt::format("{} ({} bytes)", file.string(), fs::file_size(file));
+  return fmt::format("{} ({} bytes)", NAME_OF(file), fs::file_size(file));
 }
 
 std::string written_text(const T_WRITTEN_FILES& written) {
@@ -258,7 +259,7 @@ void run(const T_EXAMPLE_OPTIONS& options) {
     files = make_example(options);
     written = write_files(files, options);
   }
-  const std::string path = (written.directory_file.parent_path() / files.stem).string();
+  const std::string path = NAME_OF(written.directory_file.parent_path() / files.stem);
   const std::string base = shell_word(path);
   std::string text = fmt::format("{}\n\n{}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
                                  written_text(written), base);
@@ -268,6 +269,21 @@ void run(const T_EXAMPLE_OPTIONS& options) {
                       envelope_command(files.suggestions.back(), base));
   if (options.included_set) text += " --include " + shell_word(fmt::format("{}{}", path, INCLUDED_SET));
   PRINT(text + '\n');
+  const fs::path& file = written.directory_file;
+  const std::string base = shell_word(NAME_OF(file.parent_path() / files.stem));
+  std::string text =
+      fmt::format("{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
+                  NAME_OF(file), fs::file_size(file),
+                  written.element_files == 0 ? ""
+                                             : fmt::format(" and {} element file{}", written.element_files,
+                                                           written.element_files == 1 ? "" : "s"),
+                  base);
+  for (const T_SUGGESTION& suggestion : files.suggestions) {
+    text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case {}\n",
+                        suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item,
+                        suggestion.mv_case);
+  }
+  PRINT(text);
 }
 
 /// Spans go with the examples that have them: none with the bridge, one or two with the others.

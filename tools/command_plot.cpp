@@ -16,6 +16,7 @@
 #include "movload.h"
 #include "tools/drawn_loading.h"
 #include "tools/envelope_question.h"
+#include "tools/file_names.h"
 #include "tools/gnuplot.h"
 #include "tools/picture_file.h"
 #include "tools/plot_sheet.h"
@@ -123,7 +124,7 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
   std::vector<std::string> files{report.file.file_name};
   if (!report.source.included_base.empty()) files.push_back(FIRST_VOLUME(report.source.included_base));
   if (report.source.in_volumes) files.push_back(FIRST_VOLUME(report.file.base_name));
-  for (std::string& file : files) file = fs::path(file).filename().string();
+  for (std::string& file : files) file = NAME_OF(PATH_OF(file).filename());
   notes.push_back(fmt::format("movload {}, {}", movload_version(), fmt::join(files, ", ")));
   return notes;
 }

@@ -1,4 +1,4 @@
-// Runs gnuplot, which draws the pictures. One source file a platform.
+// Runs gnuplot, which draws the pictures.
 #pragma once
 
 #include <string>

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kernel/block_file.h"
+#include "tools/file_names.h"
 #include "tools/tool_failure.h"
 
 namespace tools {
@@ -17,7 +18,7 @@ namespace {
 
 bool exists(const std::string& file_name) {
   std::error_code ignored;
-  return std::filesystem::exists(file_name, ignored);
+  return std::filesystem::exists(PATH_OF(file_name), ignored);
 }
 
 std::string extension_of(std::int32_t analysis_code) {
@@ -47,12 +48,12 @@ std::optional<std::int32_t> code_of_name(std::string_view name, const std::vecto
 /// Block directory files in the folder of a name that wasn't found.
 std::vector<std::string> files_beside(const std::string& given) {
   namespace fs = std::filesystem;
-  fs::path folder = fs::path(given).parent_path();
+  fs::path folder = PATH_OF(given).parent_path();
   if (folder.empty()) folder = ".";
   std::vector<std::string> names;
   std::error_code error;
   for (fs::directory_iterator file(folder, error), end; !error && file != end; file.increment(error)) {
-    const std::string name = file->path().filename().string();
+    const std::string name = NAME_OF(file->path().filename());
     if (code_of_name(name, all_codes())) names.push_back(name);
   }
   std::sort(names.begin(), names.end());

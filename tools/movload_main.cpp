@@ -38,6 +38,7 @@ int run(int argc, char** argv) {
   CLI::App program("Moving-load analysis of bridges under BS 5400 HA and HB loading", "movload");
   program.set_version_flag("--version", std::string("movload ") + movload_version());
   program.require_subcommand(1);
+  program.allow_windows_style_options(false);  // a path may begin with a slash there too
   program.failure_message(usage_text);
   program.footer(
       "Example:\n"

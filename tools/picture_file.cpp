@@ -7,6 +7,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "tools/file_names.h"
 #include "tools/tool_failure.h"
 
 namespace tools {
@@ -14,7 +15,7 @@ namespace tools {
 namespace fs = std::filesystem;
 
 std::optional<PICTURE> PICTURE_FORMAT(const std::string& file) {
-  std::string extension = fs::path(file).extension().string();
+  std::string extension = NAME_OF(PATH_OF(file).extension());
   std::ranges::transform(extension, extension.begin(),
                          [](char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; });
   if (extension == ".svg") return PICTURE::SVG;
@@ -27,13 +28,13 @@ std::string PICTURE_FILE_FAULT(const std::string& file) {
 }
 
 void WRITE_PICTURE_FILE(const std::string& file, const std::string& contents) {
-  const fs::path new_file = file + ".new";
+  const fs::path new_file = PATH_OF(file + ".new");
   std::error_code error;
   std::ofstream stream(new_file, std::ios::binary);
   stream << contents;
   stream.close();
   if (stream) {
-    fs::rename(new_file, file, error);
+    fs::rename(new_file, PATH_OF(file), error);
     if (!error) return;
   }
   std::error_code ignored;

@@ -131,8 +131,8 @@ class damage : public testing::Test {
     PUT(layout_.BLOCK(tag).OFFSET(record, word), value);
   }
   void REPAIR() const {
-    std::filesystem::copy_file(sound_base_ + ".ZA3", layout_.path,
-                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::remove(layout_.path);  // GCC's copy_file doesn't overwrite on Windows
+    std::filesystem::copy_file(sound_base_ + ".ZA3", layout_.path);
   }
 
   /// The last call has failed with this text and written nothing, and the next one isn't affected.
@@ -233,6 +233,9 @@ TEST_F(damage, a_call_with_nothing_to_search_is_no_failure) {
 }
 
 TEST_F(damage, of_a_path_over_260_characters_a_run_takes_the_first_260) {
+#ifdef _WIN32
+  GTEST_SKIP() << "Windows opens no file by a name of more than 259 characters, the extension among them";
+#endif
   std::filesystem::path folder = std::filesystem::path(base_).parent_path();
   while (folder.string().size() + 102 < 260) folder /= string(100, 'd');
   std::filesystem::create_directories(folder);

@@ -34,6 +34,11 @@ void remove_volumes(const std::string& path) {
   const auto length = static_cast<std::int32_t>(path.size());
   REMOVE_MOVING_INFLUENCE_FILE_PATH(&length, path.data());
 }
+/// Windows doesn't let a set be replaced that is still open.
+modelkit::T_VOLUME_LAYOUT write(const T_VOLUME_SET& set, const std::string& base) {
+  CLOSE_MOVING_INFLUENCE();
+  return modelkit::WRITE_VOLUME_SET(set, base);
+}
 /// A failed test leaves no store to the next.
 struct store_test : testing::Test {
   ~store_test() override { CLOSE_MOVING_INFLUENCE(); }
@@ -87,11 +92,11 @@ T_VOLUME_SET one_node(const row& values) {
 }
 
 TEST_F(store_test, its_life) {
-  modelkit::WRITE_VOLUME_SET(one_node({1, 2}), files.NAME("two"));
-  modelkit::WRITE_VOLUME_SET(one_node({7}), files.NAME("seven"));
-  modelkit::WRITE_VOLUME_SET(one_node({8, 9}), files.NAME("included"));
-  modelkit::WRITE_VOLUME_SET({.header_word = 0}, files.NAME("empty"));
-  modelkit::WRITE_VOLUME_SET({}, files.NAME("no loads"));
+  write(one_node({1, 2}), files.NAME("two"));
+  write(one_node({7}), files.NAME("seven"));
+  write(one_node({8, 9}), files.NAME("included"));
+  write({.header_word = 0}, files.NAME("empty"));
+  write({}, files.NAME("no loads"));
   const row closed = {HOST, HOST, HOST, HOST};
   struct STEP {
     const char* what;
@@ -139,7 +144,7 @@ TEST_F(store_test, its_life) {
 
 TEST_F(store_test, a_removal_deletes_the_volumes_that_are_there) {
   const auto left_of = [&](const T_VOLUME_SET& set, const std::function<void(const ids&)>& change) {
-    const auto paths = modelkit::WRITE_VOLUME_SET(set, files.NAME()).paths;
+    const auto paths = write(set, files.NAME()).paths;
     change({});
     remove_volumes(files.NAME());
     return std::count_if(paths.begin(), paths.end(),
@@ -204,6 +209,7 @@ TEST_F(store_test, every_read_gives_the_values_of_its_family_at_their_positions)
                         {COMPOSITE_BAR, 16, 35, 0, 0, 1},
                         {COMPOSITE_BAR, 16, 35, 0, 0, 3}};
     for (const std::int32_t included : {0, 8}) {
+      CLOSE_MOVING_INFLUENCE();
       modelkit::WRITE_VOLUMES(model, files.NAME(),
                               {.volumes = 3,
                                .both_codes = true,
@@ -257,7 +263,7 @@ T_VOLUME_BLOCK block_of(std::int32_t code, int items, int points, const ids& ele
 TEST_F(store_test, shapes_that_models_have_not) {
   const auto read = [&](const std::vector<T_VOLUME_BLOCK>& blocks, std::int32_t ncomp, READ kind = ELEMENT,
                         std::int32_t part = 1) {
-    modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {blocks}}, files.NAME());
+    write({.load_ids = {1}, .volumes = {blocks}}, files.NAME());
     init(files.NAME());
     row values = read_one(kind, 1, 1, ncomp, part);
     EXPECT_EQ(read_all(kind, 1, ncomp, 1, part), values);
@@ -321,8 +327,8 @@ TEST_F(store_test, sets_are_joined_by_id_and_a_support_may_be_in_one_alone) {
       {{5}, {1, 9}, {1, 5, 9}, {0, 2, 1, 0, 0, 2}, 8401},
   };
   for (const CASE& c : CASES) {
-    modelkit::WRITE_VOLUME_SET(set_of(c.included, 1, c.code), files.NAME("included"));
-    modelkit::WRITE_VOLUME_SET(set_of(c.primary, 2, c.code), files.NAME());
+    write(set_of(c.included, 1, c.code), files.NAME("included"));
+    write(set_of(c.primary, 2, c.code), files.NAME());
     init(files.NAME(), files.NAME("included"));
     row got;
     for (const std::int32_t node : c.asked)
@@ -379,8 +385,8 @@ TEST_F(store_test, the_nodes_of_an_element_are_those_of_the_primary_set_in_file_
                   {{.tag = modelkit::STREAM_GROUPS,
                     .element_nodes = {{7, {4}}, {6, {1}}},
                     .second_groups = {{7, {2}}}}}}};
-  modelkit::WRITE_VOLUME_SET(included, files.NAME("included"));
-  modelkit::WRITE_VOLUME_SET(primary, files.NAME());
+  write(included, files.NAME("included"));
+  write(primary, files.NAME());
   init(files.NAME(), files.NAME("included"));
   const auto nodes_of = [](std::int32_t element) {
     ids nodes(5, host::UNTOUCHED);
@@ -432,10 +438,10 @@ void read_everything() {
 }
 
 TEST_F(store_test, a_set_that_is_cut_anywhere_fails_and_says_where) {
-  for (const std::string& path : modelkit::WRITE_VOLUME_SET(small_set(), files.NAME()).paths) {
+  for (const std::string& path : write(small_set(), files.NAME()).paths) {
     const auto whole = static_cast<std::int64_t>(std::filesystem::file_size(path));
     for (std::int64_t size = 0; size <= whole; size += size < whole - 4 ? 4 : 1) {
-      modelkit::WRITE_VOLUME_SET(small_set(), files.NAME());
+      write(small_set(), files.NAME());
       std::filesystem::resize_file(path, static_cast<std::uintmax_t>(size));
       init(files.NAME());
       const std::string failure = movload_last_failure();
@@ -458,13 +464,13 @@ TEST_F(store_test, a_record_behind_4_gb_is_read_where_it_lies) {
 }
 
 TEST_F(store_test, no_word_of_a_set_can_harm_the_host) {
-  const auto paths = modelkit::WRITE_VOLUME_SET(small_set(), files.NAME()).paths;
-  modelkit::WRITE_VOLUME_SET(one_node({1, 2}), files.NAME("included"));
+  const auto paths = write(small_set(), files.NAME()).paths;
+  write(one_node({1, 2}), files.NAME("included"));
   int failed = 0;
   for (const std::string& path : paths) {
     const auto size = static_cast<std::int64_t>(std::filesystem::file_size(path));
     for (std::int64_t offset = 0; offset < size; offset += 4) {
-      modelkit::WRITE_VOLUME_SET(small_set(), files.NAME());
+      write(small_set(), files.NAME());
       for (const std::int32_t word :
            {-1, 0, 1, 2, 12, 1 << 20, INT32_MAX, INT32_MIN, 80'000'007, 30'009'999}) {
         modelkit::OVERWRITE_WORD_AT(path, offset, word);
@@ -484,7 +490,7 @@ TEST_F(store_test, counts_beyond_the_file_and_volumes_that_lack_fail) {
     std::int32_t word;
     const char* failure;
   };
-  const auto paths = modelkit::WRITE_VOLUME_SET(small_set(), files.NAME()).paths;
+  const auto paths = write(small_set(), files.NAME()).paths;
   const CHANGE CHANGES[] = {
       {0, -3, ": the volumes hold no influence data (header word -3)"},
       {8, 0, ": byte 8: N_VOLUMES is 0, outside 1 to 1000"},
@@ -496,13 +502,13 @@ TEST_F(store_test, counts_beyond_the_file_and_volumes_that_lack_fail) {
       {72, 1 << 29, ": byte 72: N_ITEMS is 536870912"},
   };
   for (const CHANGE& change : CHANGES) {
-    modelkit::WRITE_VOLUME_SET(small_set(), files.NAME());
+    write(small_set(), files.NAME());
     modelkit::OVERWRITE_WORD_AT(paths[0], change.offset, change.word);
     init(files.NAME());
     EXPECT_TRUE(std::string_view(movload_last_failure()).starts_with(paths[0] + change.failure))
         << movload_last_failure();
   }
-  modelkit::WRITE_VOLUME_SET(small_set(), files.NAME());
+  write(small_set(), files.NAME());
   std::filesystem::remove(paths[1]);
   init(files.NAME());
   EXPECT_EQ(movload_last_failure(), paths[1] + ": the file can't be opened");
@@ -512,13 +518,14 @@ TEST_F(store_test, a_volume_that_is_cut_while_it_is_open_reads_as_zeros) {
   constexpr std::int32_t LOADS = 4000;  // a record of several pages
   row values(LOADS * 2, 5.0F);
   modelkit::T_VOLUME_BLOCK block{.ids = {1, 2}, .item_codes = {101}, .result_code = 101, .data = values};
-  const auto layout =
-      modelkit::WRITE_VOLUME_SET({.load_ids = ids(LOADS, 1), .volumes = {{block}, {block}}}, files.NAME());
+  const auto layout = write({.load_ids = ids(LOADS, 1), .volumes = {{block}, {block}}}, files.NAME());
   init(files.NAME());
   EXPECT_EQ(read_one(DISP, 2, LOADS, 1), row{5});
   EXPECT_EQ(read_all(DISP, 2, 1, LOADS), row(LOADS, 5.0F));
   const std::int64_t end_of_first = layout.blocks[1].data_offset + layout.blocks[1].record_bytes;
-  std::filesystem::resize_file(layout.paths[1], static_cast<std::uintmax_t>(end_of_first + 8));
+  std::error_code refused;
+  std::filesystem::resize_file(layout.paths[1], static_cast<std::uintmax_t>(end_of_first + 8), refused);
+  if (refused) GTEST_SKIP() << "Windows doesn't let a mapped file be cut: " << refused.message();
   EXPECT_EQ(read_all(DISP, 2, 1, LOADS), row(LOADS, 0.0F));
   EXPECT_EQ(movload_last_failure(), layout.paths[1] + ": byte " + std::to_string(end_of_first) +
                                         ": the volume ends before what is to be read there");

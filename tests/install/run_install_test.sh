@@ -2,7 +2,8 @@
 # Builds the C example as hosts do, as an outside CMake project and with pkg-config, against an installed build: one
 # that was installed into a fresh folder and moved, or with CPACK the contents of the Debian packages. Both programs
 # must run; where the command line tool is installed, they run on its example bridge.
-# Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE GENERATOR C_COMPILER [CPACK]
+# Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE GENERATOR C_COMPILER [CPACK [TOOLCHAIN]], the last for a
+# build for Windows, whose programs run under wine.
 set -euo pipefail
 source_folder=$1
 build_folder=$2
@@ -10,6 +11,7 @@ cmake=$3
 generator=$4
 compiler=$5
 cpack=${6:-}
+toolchain=${7:-}
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -59,16 +61,22 @@ else
   prefix=$work/moved
 fi
 
-quietly "$cmake" -S "$example" -B "$work/project" -G "$generator" -DCMAKE_PREFIX_PATH="$prefix" \
-  -DCMAKE_C_COMPILER="$compiler"
+emulator=() end="" options=(-DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$compiler")
+if [[ -n $toolchain ]]; then
+  emulator=("$source_folder/tests/wine/wine.sh") end=.exe
+  options=(-DCMAKE_TOOLCHAIN_FILE="$(cd "$source_folder" && realpath "$toolchain")" -Dmovload_DIR="$prefix/lib/cmake/movload")
+  export WINEPREFIX=$build_folder/wine WINEPATH="Z:$prefix/bin"
+fi
+quietly "$cmake" -S "$example" -B "$work/project" -G "$generator" "${options[@]}"
 quietly "$cmake" --build "$work/project"
 
 pc_folder=$(dirname "$(find "$prefix" -name movload.pc)")
 export PKG_CONFIG_PATH=$pc_folder
 read -ra flags <<<"$(pkg-config --cflags --libs movload)"
-library_folder=$(pkg-config --variable=libdir movload)
-quietly "$compiler" -std=c11 -pedantic -Wall -Wextra -Werror "$example/envelope.c" -o "$work/envelope" "${flags[@]}" \
-  -Wl,-rpath,"$library_folder"
+rpath=(-Wl,-rpath,"$(pkg-config --variable=libdir movload)")
+if [[ -n $toolchain ]]; then rpath=(); fi
+quietly "$compiler" -std=c11 -pedantic -Wall -Wextra -Werror "$example/envelope.c" -o "$work/envelope$end" "${flags[@]}" \
+  "${rpath[@]}"
 
 version=$(pkg-config --modversion movload)
 if ! grep -q "PACKAGE_VERSION \"$version\"" "$(find "$prefix" -name movload-config-version.cmake)"; then
@@ -77,9 +85,9 @@ if ! grep -q "PACKAGE_VERSION \"$version\"" "$(find "$prefix" -name movload-conf
 fi
 
 # Without a model's files each program ends with exit code 1 and a line that names the file.
-for program in "$work/project/envelope" "$work/envelope"; do
+for program in "$work/project/envelope$end" "$work/envelope$end"; do
   status=0
-  "$program" "$work/absent" 1 1 3 1 2>"$work/message" || status=$?
+  "${emulator[@]}" "$program" "$work/absent" 1 1 3 1 2>"$work/message" || status=$?
   if ((status != 1)) || ! grep -q "absent.ZA3" "$work/message"; then
     echo "$program: exit code $status instead of 1, and says: $(cat "$work/message")"
     exit 1
@@ -87,11 +95,11 @@ for program in "$work/project/envelope" "$work/envelope"; do
 done
 
 # The installed tool finds the library in the moved folder, and both programs get the same answer for its example.
-movload=$prefix/bin/movload
+movload=$prefix/bin/movload$end
 if [[ -x $movload ]]; then
-  quietly "$movload" example "$work/demo"
-  for program in "$work/project/envelope" "$work/envelope"; do
-    quietly "$program" "$work/demo/bridge" 1 176 3 1
+  quietly "${emulator[@]}" "$movload" example "$work/demo"
+  for program in "$work/project/envelope$end" "$work/envelope$end"; do
+    quietly "${emulator[@]}" "$program" "$work/demo/bridge" 1 176 3 1
     if [[ $(grep -c '^  lane [123], factor' "$work/log") != 6 ]]; then
       echo "$program tells no loading of three lanes on both sides: $(cat "$work/log")"
       exit 1

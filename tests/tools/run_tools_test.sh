@@ -125,14 +125,14 @@ json "[l['beside_hb_of_lane'] for l in answer['minimum']['lanes']] == [4, 4, Non
 json "[l['udl']['portion'] for l in answer['minimum']['lanes'][:2]] == [1.0, 0.3333]"
 
 # By hand: w L^2 / 8 + 120 L / 4 with w = 30 at 25 m, and w L / 2 + 120.
-expect 0 example "a folder" --which span --span 25
+expect 0 example "Brücke 1" --which span --span 25
 says out "3093.75"
-expect 0 envelope "a folder/span" --kind simb --id 1 --item 1 --case 1 --json
+expect 0 envelope "Brücke 1/span" --kind simb --id 1 --item 1 --case 1 --json
 json "abs(answer['maximum']['value'] - 3093.75) < 0.01 and answer['minimum']['value'] == 0"
 json "answer['maximum']['lanes'][0]['udl'] == {'intensity': 30.0, 'portion': 1.0, 'loaded_length': 25.0, 'stretches': [{'start': 0.0, 'end': 25.0}], 'range_numbers': [1]}"
 json "answer['maximum']['lanes'][0]['kel'] == {'load': 120.0, 'point': 26, 'distance': 12.5}"
 json "not answer['minimum']['governed']"
-expect 0 envelope "a folder/span" --kind simb --id 1 --item 2 --case 1 --json
+expect 0 envelope "Brücke 1/span" --kind simb --id 1 --item 2 --case 1 --json
 json "abs(answer['maximum']['value'] - 495) < 0.001"
 expect 0 example . --which two-span --span 20,30
 expect 0 envelope two_span --kind simb --id 1 --item 1 --case 1
@@ -141,7 +141,7 @@ says out " 0.000 to 50.000"
 
 # Pictures, with names and titles that mean something to a shell, to gnuplot and to XML.
 title="it's \$(touch pwned) \`touch pwned\` {/:Bold x}_1 & <b>"
-picture="a folder/it's \"one\".svg"
+picture="Brücke 1/it's 'one' & \$two.svg"
 expect 0 plot $bridge --kind simb --id 3 --item 3 --case 4 --unit kNm --title "$title" -o "$picture" --script plot.gp
 says out "Written: $picture"
 python3 -c "import sys, xml.dom.minidom as xml; xml.parse(sys.argv[1])" "$picture" || fault "$picture: no XML"
@@ -152,7 +152,7 @@ says "$picture" "25 m clear"
 says "$picture" "KEL 120 kN"
 says "$picture" "it's \$(touch pwned) \`touch pwned\` {/:Bold x}_1 &amp; &lt;b>"
 says plot.gp "set multiplot"
-if [[ -e pwned ]] || compgen -G "a folder/*.new" >/dev/null; then fault "a picture leaves more than itself"; fi
+if [[ -e pwned ]] || compgen -G "Brücke 1/*.new" >/dev/null; then fault "a picture leaves more than itself"; fi
 expect 0 plot $bridge --kind disp --id 176 --item 3 --case 6 --side min --lane 4 -o straddling.PNG
 if [[ "$(head -c 4 straddling.PNG | tail -c 3)" != PNG ]]; then fault "straddling.PNG: no picture"; fi
 expect 2 plot $bridge --kind simb --id 3 --item 3 --case 4 -o picture.pdf
@@ -203,14 +203,14 @@ expect 1 envelope $split --kind disp --id 176 --item 3 --case 1 --store
 says err "leave out --store"
 
 # A file of other contents stays.
-expect 1 example "a folder" --which span --span 30
+expect 1 example "Brücke 1" --which span --span 30
 says err "--force"
-expect 0 example "a folder" --which span --span 30 --force
-touch "a folder/span.ZA3B1"
-echo "older" >"a folder/span.ZA3W1"
-expect 1 example "a folder" --which span --span 30
-expect 0 example "a folder" --which span --span 30 --force
-if compgen -G "a folder/span.*[W1]" >/dev/null; then fault "element files of another model are left"; fi
+expect 0 example "Brücke 1" --which span --span 30 --force
+touch "Brücke 1/span.ZA3B1"
+echo "older" >"Brücke 1/span.ZA3W1"
+expect 1 example "Brücke 1" --which span --span 30
+expect 0 example "Brücke 1" --which span --span 30 --force
+if compgen -G "Brücke 1/span.*[W1]" >/dev/null; then fault "element files of another model are left"; fi
 
 # Wrong usage.
 expect 2

@@ -1,5 +1,3 @@
-#include "tools/gnuplot.h"
-
 #include <fmt/format.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -11,6 +9,7 @@
 #include <cstring>
 #include <memory>
 
+#include "tools/filter_program.h"
 #include "tools/tool_failure.h"
 
 namespace tools {
@@ -52,62 +51,36 @@ class NAMELESS_FILE {
   std::unique_ptr<std::FILE, CLOSE> file_;
 };
 
-/// The first of gnuplot's messages that tells something; its own echo of the line stands around it.
-std::string first_message(const std::string& messages) {
-  std::size_t start = 0;
-  std::string last;
-  while (start < messages.size()) {
-    const std::size_t end = std::min(messages.find('\n', start), messages.size());
-    const std::string line = messages.substr(start, end - start);
-    const std::size_t text = line.find_first_not_of(" \t^");
-    if (text != std::string::npos) last = line.substr(text);
-    if (last.starts_with("line ")) return last;
-    start = end + 1;
-  }
-  return last.empty() ? "no reason given" : last;
-}
-
 }  // namespace
 
-std::string RUN_GNUPLOT(const std::string& script) {
-  NAMELESS_FILE input;
+T_FILTERED RUN_FILTER(const std::string& program, const std::string& argument, const std::string& input,
+                      const std::string& advice) {
+  NAMELESS_FILE text;
   NAMELESS_FILE output;
   NAMELESS_FILE messages;
-  input.WRITE(script);
+  text.WRITE(input);
 
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, input.DESCRIPTOR(), STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, text.DESCRIPTOR(), STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, output.DESCRIPTOR(), STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, messages.DESCRIPTOR(), STDERR_FILENO);
-  // Without the user's own settings, which would change the picture.
-  std::array<char, 8> name{"gnuplot"};
-  std::array<char, 19> plain{"--default-settings"};
-  const std::array<char*, 3> arguments{name.data(), plain.data(), nullptr};
+  std::string name = program;
+  std::string word = argument;
+  const std::array<char*, 3> arguments{name.data(), word.data(), nullptr};
   pid_t process = 0;
   const int error = posix_spawnp(&process, name.data(), &actions, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
-  if (error == ENOENT) {
-    throw T_TOOL_FAILURE("gnuplot, which draws the pictures, isn't installed",
-                         "install it, on Debian with `apt-get install gnuplot-nox`");
-  }
+  if (error == ENOENT) throw T_TOOL_FAILURE(fmt::format("{} isn't installed", program), advice);
   if (error != 0) {
-    throw T_TOOL_FAILURE(fmt::format("gnuplot can't be run: {}", std::strerror(error)),
-                         "check the installed gnuplot with `gnuplot --version`");
+    throw T_TOOL_FAILURE(fmt::format("{} can't be run: {}", program, std::strerror(error)),
+                         fmt::format("check it with `{} --version`", program));
   }
 
   int status = 0;
   while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
   }
-  std::string picture = output.CONTENTS();
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0 || picture.empty()) {
-    throw T_TOOL_FAILURE(
-        fmt::format("gnuplot can't draw the picture: {}", first_message(messages.CONTENTS())),
-        "movload needs gnuplot 5 with the terminals svg and pngcairo, on Debian from gnuplot-nox; keep the "
-        "script "
-        "with --script to see what it stumbles over");
-  }
-  return picture;
+  return {WIFEXITED(status) && WEXITSTATUS(status) == 0, output.CONTENTS(), messages.CONTENTS()};
 }
 
 }  // namespace tools
