@@ -269,21 +269,6 @@ void run(const T_EXAMPLE_OPTIONS& options) {
                       envelope_command(files.suggestions.back(), base));
   if (options.included_set) text += " --include " + shell_word(fmt::format("{}{}", path, INCLUDED_SET));
   PRINT(text + '\n');
-  const fs::path& file = written.directory_file;
-  const std::string base = shell_word(NAME_OF(file.parent_path() / files.stem));
-  std::string text =
-      fmt::format("{}\n\nWritten: {} ({} bytes){}\n\nTo try next:\n  movload inspect {}\n\n", files.title,
-                  NAME_OF(file), fs::file_size(file),
-                  written.element_files == 0 ? ""
-                                             : fmt::format(" and {} element file{}", written.element_files,
-                                                           written.element_files == 1 ? "" : "s"),
-                  base);
-  for (const T_SUGGESTION& suggestion : files.suggestions) {
-    text += fmt::format("  # {}\n  movload envelope {} --kind {} --id {} --item {} --case {}\n",
-                        suggestion.meaning, base, suggestion.kind, suggestion.id, suggestion.item,
-                        suggestion.mv_case);
-  }
-  PRINT(text);
 }
 
 /// Spans go with the examples that have them: none with the bridge, one or two with the others.
