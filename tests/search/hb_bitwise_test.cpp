@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <bit>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "tests/search/fields.h"
 #include "tests/search/random_lines.h"
 
 namespace {
@@ -29,32 +27,22 @@ constexpr T_FORM FORMS[] = {
     {"HB_STRADDLE_THIRD", plain::HB_STRADDLE_THIRD, {{HB_STRADDLE_THIRD, HB_STRADDLE_THIRD_JUMP}, {HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_THIRD_MULTI_JUMP}}, true}};
 // clang-format on
 
-/// A result field by field, reals as their bits.
-struct T_FIELD {
-  const char* NAME;
-  int VALUE;
-  bool operator==(const T_FIELD& other) const { return VALUE == other.VALUE; }
-};
-using FIELDS = std::vector<T_FIELD>;
-
 template <class RECORD>
-void add_record(FIELDS& fields, const RECORD& record, const std::vector<int>& numbers) {
-  const FIELDS own{{"W_MILLI", record.W_MILLI},
-                   {"LOADED_COUNT", record.LOADED_COUNT},
-                   {"HB_TYPE", record.HB_TYPE},
-                   {"HB_POSITION", record.HB_POSITION},
-                   {"HB_CODE", record.HB_CODE},
-                   {"NUMBERED", record.NUMBERED},
-                   {"length of a list", static_cast<int>(numbers.size())}};
-  fields.insert(fields.end(), own.begin(), own.end());
-  for (const int number : numbers) fields.push_back({"range number", number});
+void add_record(FIELD_LIST& fields, const RECORD& record, const std::vector<int>& numbers) {
+  fields.ADD("W_MILLI", record.W_MILLI);
+  fields.ADD("LOADED_COUNT", record.LOADED_COUNT);
+  fields.ADD("HB_TYPE", record.HB_TYPE);
+  fields.ADD("HB_POSITION", record.HB_POSITION);
+  fields.ADD("HB_CODE", record.HB_CODE);
+  fields.ADD("NUMBERED", record.NUMBERED);
+  fields.ADD("range numbers", numbers);
 }
 
-FIELDS fields_of(const T_SEARCH_RESULT& result) {
-  FIELDS fields;
+FIELD_LIST fields_of(const T_SEARCH_RESULT& result) {
+  FIELD_LIST fields;
   for (const T_SIDE_RESULT& side : result) {
-    fields.push_back({"VALUE", std::bit_cast<int>(side.VALUE)});
-    fields.push_back({"PASS_REC", side.PASS_REC});
+    fields.ADD("VALUE", side.VALUE);
+    fields.ADD("PASS_REC", side.PASS_REC);
     add_record(fields, side.HB_REC, side.INFL_REC);
     for (const std::size_t parent : {0U, 1U})
       add_record(fields, side.HB_REC_PLANES[parent], side.INFL_REC_PLANES[parent]);
@@ -62,12 +50,12 @@ FIELDS fields_of(const T_SEARCH_RESULT& result) {
   return fields;
 }
 
-FIELDS fields_of(const plain::HB_RESULT& result, bool by_parent) {
+FIELD_LIST fields_of(const plain::HB_RESULT& result, bool by_parent) {
   const plain::HB_PART none;
-  FIELDS fields;
+  FIELD_LIST fields;
   for (const plain::HB_SIDE& side : result) {
-    fields.push_back({"VALUE", std::bit_cast<int>(side.VALUE)});
-    fields.push_back({"PASS_REC", side.PASS_REC});
+    fields.ADD("VALUE", side.VALUE);
+    fields.ADD("PASS_REC", side.PASS_REC);
     const plain::HB_PART& own = by_parent ? none : side.PARTS[0];
     add_record(fields, own, own.NUMBERS);
     for (const plain::HB_PART& part : side.PARTS)
@@ -107,15 +95,7 @@ std::string difference(const T_FORM& form, const plain::HB_TASK& task, bool mult
       SEARCH_HB(form.LIBRARY[multi ? 1 : 0][task.JUMP_LAYOUT ? 1 : 0], task, planes, behind, work);
   const plain::HB_RESULT judged = form.JUDGE(task);
   seen.count(judged, form.JUDGE != plain::HB_LANE, form.BY_PARENT);
-  const FIELDS fields = fields_of(result);
-  const FIELDS should = fields_of(judged, form.BY_PARENT);
-  const auto [is, wanted] = std::mismatch(fields.begin(), fields.end(), should.begin(), should.end());
-  if (is == fields.end() && wanted == should.end()) return {};
-  std::string text = std::string(form.NAME) + (multi ? "_MULTI" : "") + (task.JUMP_LAYOUT ? "_JUMP" : "") +
-                     ": field " + std::to_string(is - fields.begin());
-  if (is == fields.end() || wanted == should.end()) return text + ", lists of different length";
-  return text + ", " + is->NAME + " is " + std::to_string(is->VALUE) + " and should be " + wanted->NAME +
-         " " + std::to_string(wanted->VALUE) + " (values as bits)";
+  return DIFFERENCE(fields_of(result), fields_of(judged, form.BY_PARENT));
 }
 
 TEST(hb_bitwise, all_twelve_searches_equal_the_plain_steps) {
@@ -126,8 +106,9 @@ TEST(hb_bitwise, all_twelve_searches_equal_the_plain_steps) {
     const bool multi = c.SIMPLE.SETS.size() > 1 || seed % 4 == 0;
     for (const T_FORM& form : FORMS) {
       for (const plain::HB_TASK* task : {&c.SIMPLE, &c.JUMP}) {
-        const std::string text = difference(form, *task, multi, seed % 3 == 0 ? 2 : 0, seen);
-        ASSERT_TRUE(text.empty()) << "seed " << seed << ", " << c.KIND << "\n" << text;
+        ASSERT_EQ(difference(form, *task, multi, seed % 3 == 0 ? 2 : 0, seen), "")
+            << form.NAME << (multi ? "_MULTI" : "") << (task->JUMP_LAYOUT ? "_JUMP" : "") << ", seed " << seed
+            << ", " << c.KIND;
       }
     }
   }

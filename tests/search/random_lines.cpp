@@ -4,6 +4,16 @@
 #include <cmath>
 #include <limits>
 
+search::T_VEHICLE_PARAMETERS VEHICLE_OF(const plain::HB_TASK& task) {
+  search::T_VEHICLE_PARAMETERS vehicle;
+  vehicle.HA_CURVE = CURVE_OF(task.CURVE);
+  vehicle.HB_LOAD = task.HB_LOAD;
+  vehicle.HB_S = task.HB_S;
+  vehicle.HB_B = task.HB_B;
+  vehicle.HB_STEP = task.HB_STEP;
+  return vehicle;
+}
+
 search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
                                   int behind, search::T_HB_WORK& work) {
   const auto n = static_cast<std::int32_t>(task.X.size());
@@ -18,12 +28,7 @@ search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK&
       }
     }
   }
-  search::T_VEHICLE_PARAMETERS vehicle;
-  vehicle.HA_CURVE = {task.CURVE.W0, task.CURVE.K, task.CURVE.WMIN, task.CURVE.P, task.CURVE.L0};
-  vehicle.HB_LOAD = task.HB_LOAD;
-  vehicle.HB_S = task.HB_S;
-  vehicle.HB_B = task.HB_B;
-  vehicle.HB_STEP = task.HB_STEP;
+  const search::T_VEHICLE_PARAMETERS vehicle = VEHICLE_OF(task);
   search::T_HB_INPUT input;
   input.n = n;
   input.LANE_X = TABLE<const real, POINT>(task.X.data(), {n});

@@ -6,13 +6,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "search/ha_search.h"
 #include "search/hb_placing.h"
+#include "tests/random.h"
 #include "tests/search/plain_hb.h"
 #include "tests/search/plain_search.h"
 
@@ -23,6 +23,11 @@ inline search::T_LINE VIEW(const plain::LINE& line) {
   };
   return {line.n(), table(line.X), table(line.BEFORE), table(line.AFTER), line.TWO_COLUMNS};
 }
+
+inline search::T_HA_CURVE CURVE_OF(const plain::HA_CURVE& curve) {
+  return {curve.W0, curve.K, curve.WMIN, curve.P, curve.L0};
+}
+search::T_VEHICLE_PARAMETERS VEHICLE_OF(const plain::HB_TASK& task);
 
 /// Lines from literals.
 inline plain::LINE SIMPLE_LINE(std::vector<float> x, std::vector<float> y) {
@@ -36,19 +41,6 @@ inline plain::LINE JUMP_LINE(std::vector<float> x, std::vector<float> before, st
 /// own, as where another lane of the model is longer.
 search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
                                   int behind, search::T_HB_WORK& work);
-
-/// Small portable random choices; the standard distributions differ between platforms.
-struct RANDOM {
-  explicit RANDOM(std::uint64_t seed) : engine(seed) {}
-
-  int below(int count) { return static_cast<int>(engine() % static_cast<std::uint64_t>(count)); }
-  int between(int low, int high) { return low + below(high - low + 1); }
-  bool one_in(int count) { return below(count) == 0; }
-  float unit() { return static_cast<float>(engine() >> 40) * 0x1p-24F; }  // 0 up to below 1
-  float noise() { return 2.0F * unit() - 1.0F; }
-
-  std::mt19937_64 engine;
-};
 
 /// The stretch of an HB, NEAR_END not above FAR_END, both on the lane.
 struct RANDOM_ZONE {
