@@ -14,7 +14,7 @@ struct RANDOM {
   float unit() { return static_cast<float>(engine() >> 40) * 0x1p-24F; }  // 0 up to below 1
   float noise() { return 2.0F * unit() - 1.0F; }
   template <class T>
-  const T& one_of(const std::vector<T>& list) {
+  T one_of(const std::vector<T>& list) {
     return list.at(static_cast<std::size_t>(below(static_cast<int>(list.size()))));
   }
 

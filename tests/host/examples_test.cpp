@@ -72,24 +72,7 @@ TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_i
   EXPECT_EQ(NUMBERS(one.K_MININFL_S, 1), RECORD{2});
 }
 
-// Deflections downward, no ordinate below 0, the result a component in the middle of its record.
-TEST(examples, a_displacement_that_no_load_lifts_has_the_minimum_zero_and_empty_records_there) {
-  T_MODEL model = modelkit::SIMPLE_SPAN_MODEL(25.0);
-  const std::vector<float> line = model.simb[0].values[modelkit::SPAN_MIDSPAN_MOMENT - 1];
-  modelkit::T_RESPONSE node{.id = 7, .values = {}};
-  node.values.assign(6, std::vector<float>(line.size(), -1.0F));
-  node.values[2] = line;
-  model.disp = {node};
-  const auto got = ASK(model, MOVLOAD_RK_DISP, 7, 3);
-  EXPECT_CLOSE(3093.75, got.FINAL_MAX);
-  EXPECT_EQ(got.FINAL_MIN, 0.0);
-  EXPECT_FALSE(std::signbit(got.FINAL_MIN));
-  EXPECT_EQ(got.K_MNLOAD.LANE(1), NOTHING_GOVERNS);
-  EXPECT_EQ(NUMBERS(got.K_MININFL_S, 1), RECORD{});
-}
-
-// HA in all lanes with one at a third (case 1), and in one lane alone (case 2). The bridge mirrors itself
-// about its axis, and so do its lanes: what holds for one edge beam holds for the other.
+// HA in two lanes of which one has a third (case 1), and in one lane alone (case 2).
 TEST(examples, lanes_add_up_over_a_combination_and_the_first_of_equal_combinations_governs) {
   constexpr double THIRD = 1.0 / 3.0;
   T_MODEL model = modelkit::SIMPLE_SPAN_MODEL(25.0);

@@ -190,27 +190,6 @@ TEST(hb_examples, an_hb_at_a_support_has_ha_on_one_side_only) {
   EXPECT_EQ(got.DISTANCE_MAX_RANGE.LANE(1), PAIRS({64.6F, 130.0F}));
 }
 
-// Spans S = 50 and L = 40, total 90. The support's moment is -a (S^2 - a^2) / (2 S * 90) for a load at a in
-// the first span, and so on from the other end. Axles about 0.577 * 50 m from the first support weigh most;
-// the lane begins there and keeps the vehicle at 25 m to 34.6 m, a little further. The first span then lies
-// within the clear stretches, and the UDL takes the second from 9.6 m on: 30.4 m, L = 40. Further on both
-// would lose.
-TEST(hb_examples, a_support_is_hogged_by_the_hb_in_one_span_and_ha_in_the_other) {
-  const T_MODEL model =
-      loaded(modelkit::TWO_SPAN_MODEL(50.0, 40.0, 201, {.direction = DIRECTION::FORWARD}), {2});
-  const auto got = ask(model, modelkit::TWO_SPAN_SUPPORT_MOMENT);
-  const auto first_span = [](double a) { return -a * (2500.0 - a * a) / 9000.0; };
-  // The integral of a (L^2 - a^2) is L^2 a^2 / 2 - a^4 / 4.
-  const double area = -(1600.0 * std::pow(30.4, 2) / 2.0 - std::pow(30.4, 4) / 4.0) / 7200.0;
-  const double w = intensity(40.0);
-  EXPECT_CLOSE(AXLE * under_axles(first_span, 0.0) + w * area, got.FINAL_MIN, CURVED);
-  EXPECT_EQ(got.K_MNLOAD.LANE(1), (RECORD{1, in_milli(w), 1, 1, 1, FULL_SCALE, 1, 0, 102, 0}));
-  EXPECT_EQ(NUMBERS(got.K_MININFL_S, 1), RECORD{1});
-  EXPECT_EQ(got.DISTANCE_MIN_RANGE.LANE(1), PAIRS({59.6F, 90.0F}));
-  EXPECT_EQ(got.FINAL_MAX, 0.0);
-  EXPECT_EQ(got.K_MXLOAD.LANE(1), NOTHING_GOVERNS);
-}
-
 // The first support's reaction over spans of 100 and 50 m. A load at a in the first span gives r = 1 - a /
 // 100 - a (100^2 - a^2) / (200 * 150) / 100, the second span the area -50^3 / (8 * 150) / 100. The beam
 // carries 0.75 of the left lane, the right lane lifts it by 0.5, and of the vehicle it has 0.8, 0.75, -0.5 or

@@ -5,7 +5,6 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <set>
@@ -144,7 +143,6 @@ class JUDGE {
     clear();
     std::array<BEST, 2> best;
     find_lane_vehicles();
-    if (kind_ == MOVLOAD_RK_TRUSS && fetch({1})) list_sets();
     if (has_routine() && fetch(VALUES_OF(kind_, item_))) {
       for (int lane = 1; lane <= lanes(); ++lane) lines_.push_back(lines_of(lane));
       best = combine(mv_case);
@@ -462,43 +460,6 @@ class JUDGE {
   static PLANES planes_of_points(PLANES rows, const ROW& x) {
     for (ORDINATES& row : rows) row.BEFORE.resize(x.size()), row.AFTER.resize(x.size());
     return rows;
-  }
-
-  /// What a truss run leaves on unit 78: the sets of each class with definitions on a straddle lane whose
-  /// axles run on other lanes too, with the first item for ordinates.
-  void list_sets() {
-    const auto field = [](const std::string& number, std::size_t width) {
-      return number.size() > width ? std::string(width, '*')
-                                   : std::string(width - number.size(), ' ') + number;
-    };
-    const auto real = [&](float value, std::size_t width) {
-      std::array<char, 64> number{};
-      std::snprintf(number.data(), number.size(), "%.4f", static_cast<double>(value));
-      return field(number.data(), width);
-    };
-    std::set<std::pair<int, int>> done;
-    for (int lane = ordinary() + 1; lane <= lanes(); ++lane) {
-      const ROW x = positions(entry(model_.lanes, lane));
-      for (const VEHICLE& vehicle : vehicles_) {
-        const int its_class = vehicle.VEH_CLASS, planes = planes_of(lane);
-        if (!lane_vehicle_.contains({lane, &vehicle}) || !class_use_.contains({lane, its_class})) continue;
-        const std::set<int> named = named_lanes(axle_lanes(its_class, lane));
-        const bool has_sets = !named.empty() && definition_number(its_class, lane) > 0;
-        if (!has_sets || !done.insert({lane, its_class}).second) continue;
-        std::vector<int> sets(named.begin(), named.end());
-        sets.insert(sets.begin(), lane);
-        met_.LISTED += "FMT_MT_MULTI,NUM_SUB_LANE,N_MULTI_INFL=" + field(std::to_string(planes), 7) +
-                       field(std::to_string(sets.size()), 7) + '\n';
-        for (const int set : sets) {
-          const PLANES rows = defined_rows(definition_number(its_class, set), set, planes);
-          for (int i = 1; i <= count(x); ++i) {
-            met_.LISTED += field(std::to_string(i), 5) + real(entry(x, i), 10);
-            for (const ORDINATES& plane : rows) met_.LISTED += real(entry(plane.BEFORE, i), 13);
-            met_.LISTED += '\n';
-          }
-        }
-      }
-    }
   }
 
   /// What is filed for a lane code: by the first column of its class that serves the lane.

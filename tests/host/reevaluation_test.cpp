@@ -53,7 +53,6 @@ double single(double x) {
 /// Response of the result to each unit load. A line that can't jump has the same list twice.
 struct T_RESPONSES {
   std::vector<float> BEFORE, AFTER;
-  bool MAY_JUMP = false;
 };
 
 struct T_POINT {
@@ -329,11 +328,12 @@ TEST(reevaluation, values_of_random_models_follow_from_the_reported_loading) {
           host::RUN(static_cast<int>(model.lanes.size()), directory.NAME(), 0, kind, response.id, item, 1);
       const std::vector<int> values = plain::VALUES_OF(kind, item);
       const T_RESPONSES responses{entry(response.values, values.front()),
-                                  entry(response.values, values.back()), plain::MAY_JUMP(kind, item)};
+                                  entry(response.values, values.back())};
+      T_SEEN& of_layout = seen.at(plain::MAY_JUMP(kind, item) ? 1 : 0);
       for (const T_SIDE& side :
            {T_SIDE{1, got.FINAL_MAX, {&got.K_MXLOAD, &got.K_MXLOAD1ST, &got.K_MXLOAD2ND}, &got.K_MAXINFL_S},
             T_SIDE{-1, got.FINAL_MIN, {&got.K_MNLOAD, &got.K_MNLOAD1ST, &got.K_MNLOAD2ND}, &got.K_MININFL_S}})
-        EXPECT_TRUE(EXPLANATION(model, responses, side, seen.at(responses.MAY_JUMP ? 1 : 0)).RUN())
+        EXPECT_TRUE(EXPLANATION(model, responses, side, of_layout).RUN())
             << "seed " << seed << ", kind " << kind << ", id " << response.id << ", item " << item;
     };
     for (const plain::KIND& kind : plain::KINDS) {
