@@ -14,8 +14,8 @@ namespace results {
 namespace {
 
 /// Two ordinary lanes and a straddle lane of three planes. Class 1 has two vehicles, a definition on the
-/// straddle lane and on lane 1, and axles on all three; class 2 has no definition, and axles on an ordinary
-/// lane alone.
+/// straddle lane and on lane 1, and axles on all three; class 2 has no definition. Of a lane other than that in
+/// hand a definition counts with any number but 0.
 modelkit::T_MODEL listed_model() {
   modelkit::T_MODEL model{.unit_loads = 3, .lanes = std::vector<modelkit::T_LANE>(3)};
   for (modelkit::T_LANE& lane : model.lanes)
@@ -38,7 +38,7 @@ modelkit::T_MODEL listed_model() {
        .lane = 3,
        .entries_per_point = 3,
        .links = {{{{1, 1.0}}, {{2, 1.0}}, {{3, 1.0}}}, {{{1, 2.0}}, {{1, -1.0}}, {}}}},
-      {.number = 2, .lane = 1, .entries_per_point = 3, .links = {{{{3, 0.5}}, {}, {}}}}};
+      {.number = -2, .lane = 1, .entries_per_point = 3, .links = {{{{3, 0.5}}, {}, {}}}}};
   model.trusses = {{.id = 1, .values = {{1.5F, -20.25F, 3e8F}, {7.0F, 7.0F, 7.0F}}}};
   return model;
 }

@@ -1,138 +1,174 @@
-// The library against the judge on random lines: every value, count, record and list, bit for bit.
+// The library's searches against the judge on random lanes: every value, record and list, bit for bit.
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tests/search/fields.h"
 #include "tests/search/random_lines.h"
 
 namespace {
 
-constexpr std::uint64_t N_CASES = 21000;
+constexpr std::uint64_t N_CASES = 10000;  // each in both layouts
 
-/// What the random lines have reached, so that a change of the generator can't quietly lose what it is there
+struct T_FORM {
+  const char* NAME;
+  plain::HB_RESULT (*JUDGE)(const plain::HB_TASK&);
+  search::HB_SEARCH* LIBRARY[2][2];  // by multi and layout
+  bool BY_PARENT;
+};
+using namespace search;
+// clang-format off
+constexpr T_FORM FORMS[] = {
+    {"HB_LANE", plain::HB_LANE, {{HB_LANE, HB_LANE_JUMP}, {HB_LANE_MULTI, HB_LANE_MULTI_JUMP}}, false},
+    {"HB_STRADDLE_SUM", plain::HB_STRADDLE_SUM, {{HB_STRADDLE_SUM, HB_STRADDLE_SUM_JUMP}, {HB_STRADDLE_SUM_MULTI, HB_STRADDLE_SUM_MULTI_JUMP}}, false},
+    {"HB_STRADDLE_THIRD", plain::HB_STRADDLE_THIRD, {{HB_STRADDLE_THIRD, HB_STRADDLE_THIRD_JUMP}, {HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_THIRD_MULTI_JUMP}}, true}};
+// clang-format on
+
+template <class RECORD>
+void add_record(FIELD_LIST& fields, const RECORD& record, const std::vector<int>& numbers) {
+  fields.ADD("W_MILLI", record.W_MILLI);
+  fields.ADD("LOADED_COUNT", record.LOADED_COUNT);
+  fields.ADD("HB_TYPE", record.HB_TYPE);
+  fields.ADD("HB_POSITION", record.HB_POSITION);
+  fields.ADD("HB_CODE", record.HB_CODE);
+  fields.ADD("NUMBERED", record.NUMBERED);
+  fields.ADD("range numbers", numbers);
+}
+
+FIELD_LIST fields_of(const T_SEARCH_RESULT& result) {
+  FIELD_LIST fields;
+  for (const T_SIDE_RESULT& side : result) {
+    fields.ADD("VALUE", side.VALUE);
+    fields.ADD("PASS_REC", side.PASS_REC);
+    add_record(fields, side.HB_REC, side.INFL_REC);
+    for (const std::size_t parent : {0U, 1U})
+      add_record(fields, side.HB_REC_PLANES[parent], side.INFL_REC_PLANES[parent]);
+  }
+  return fields;
+}
+
+FIELD_LIST fields_of(const plain::HB_RESULT& result, bool by_parent) {
+  const plain::HB_PART none;
+  FIELD_LIST fields;
+  for (const plain::HB_SIDE& side : result) {
+    fields.ADD("VALUE", side.VALUE);
+    fields.ADD("PASS_REC", side.PASS_REC);
+    const plain::HB_PART& own = by_parent ? none : side.PARTS[0];
+    add_record(fields, own, own.NUMBERS);
+    for (const plain::HB_PART& part : side.PARTS)
+      add_record(fields, by_parent ? part : none, by_parent ? part.NUMBERS : none.NUMBERS);
+  }
+  return fields;
+}
+
+/// A whole lane under HA, and where its ranges start and end.
+FIELD_LIST library_lane(const plain::LINE& line, const plain::HA_CURVE& curve, float kel_load) {
+  static T_RANGE_WORK work;
+  auto* const search_lane = line.JUMP_LAYOUT ? HA_SEARCH_LANE_JUMP : HA_SEARCH_LANE;
+  const T_HA_RESULT ha = search_lane(VIEW(line), CURVE_OF(curve), kel_load, work);
+  std::array<T_RANGE_DISTANCES, N_SIDES> distances;
+  for (auto& side : distances) side.PAIRS.fill({1.0F, 1.0F});  // what an earlier lane left
+  (line.JUMP_LAYOUT ? RANGE_DISTANCES_JUMP : RANGE_DISTANCES)(VIEW(line), distances);
+  FIELD_LIST fields;
+  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
+    fields.ADD("value", ha[side].VALUE);
+    fields.ADD("W_MILLI", ha[side].W_MILLI);
+    fields.ADD("loaded ranges", std::vector(ha[side].RANGES, ha[side].RANGES + ha[side].LOADED_COUNT));
+    fields.ADD("RANGE_COUNT", distances[side].RANGE_COUNT);
+    for (const auto& pair : distances[side].PAIRS)
+      for (const float end : pair) fields.ADD("end of a range", end);
+  }
+  return fields;
+}
+
+FIELD_LIST judged_lane(const plain::LINE& line, const plain::HA_CURVE& curve, float kel_load) {
+  const plain::HA_RESULT ha = plain::HA_SEARCH_LANE(line, curve, kel_load);
+  plain::BOTH_DISTANCES distances = plain::RANGE_DISTANCES(line);
+  FIELD_LIST fields;
+  for (const auto& [best, ranges] :
+       {std::pair(&ha.MAX, &distances.POSITIVE), {&ha.MIN, &distances.NEGATIVE}}) {
+    fields.ADD("value", best->VALUE);
+    fields.ADD("W_MILLI", best->W_MILLI);
+    fields.ADD("loaded ranges", best->NUMBERS);
+    fields.ADD("RANGE_COUNT", ranges->RANGE_COUNT);
+    ranges->PAIRS.resize(MAX_RANGES);
+    for (const auto& pair : ranges->PAIRS)
+      for (const float end : pair) fields.ADD("end of a range", end);
+  }
+  return fields;
+}
+
+/// What the random lanes have reached, so that a change of the generator can't quietly lose what it is there
 /// for.
 struct T_SEEN {
-  int over_100_distances = 0, over_500_loaded = 0, near_inside = 0, ends_in_one_segment = 0;
-  int later_prefix_best = 0, jump_closings = 0, pair_short_ranges = 0;
+  int types[6] = {};  // kept; 0 where there is none
+  int passes[3] = {};
+  int second_full = 0, no_plane = 0, later_plane = 0;
+  int over_100_ranges = 0, list_full = 0, near_inside = 0, jump_closings = 0;
 
-  void count(const plain::LINE& line, const plain::HA_RESULT& ha, const plain::DISTANCES& distances) {
-    over_100_distances += distances.RANGE_COUNT > 100;
-    over_500_loaded += ha.MAX.LOADED_COUNT == 500;
-    later_prefix_best += ha.MIN.LOADED_COUNT > 1;
-    // Without a zone the zone form differs by the jumps alone.
-    jump_closings += plain::CUT_RANGES(line).POSITIVE.AREA.count() -
-                     plain::CUT_RANGES(line, plain::ZONE_PLACE{}).POSITIVE.AREA.count();
-  }
-  void count(const plain::LINE& line, const plain::ZONE_PLACE& place) {
-    near_inside += place.NEAR_FRACTION != 0;
-    ends_in_one_segment += place.NEAR_FRACTION != 0 && place.FAR_INDEX == place.NEAR_INDEX - 1;
-    for (const float length : plain::CUT_RANGES(line, place).POSITIVE.LENGTH.values)
-      pair_short_ranges += line.JUMP_LAYOUT && length <= 1e-5F;
+  void count(const plain::HB_RESULT& result, bool straddling, bool by_parent) {
+    for (const plain::HB_SIDE& side : result) {
+      const plain::HB_PART& part = side.PARTS[0];
+      ++types[part.HB_TYPE];
+      ++passes[side.PASS_REC];
+      const int code = by_parent ? part.HB_CODE / 10 : part.HB_CODE;
+      second_full += by_parent && side.PASS_REC != 0 && part.HB_CODE % 10 == 0;
+      no_plane += straddling && side.PASS_REC != 0 && code == 0;
+      later_plane += straddling && code % 100 > 1;
+      over_100_ranges += part.NUMBERED > 100;
+      list_full += part.LOADED_COUNT == 500;
+    }
   }
 };
 
-void add_result(FIELD_LIST& fields, const search::T_HA_RESULT& result) {
-  for (const search::T_HA_SIDE& side : result) {
-    fields.ADD("value", side.VALUE);
-    fields.ADD("W_MILLI", side.W_MILLI);
-    fields.ADD("loaded ranges", std::vector(side.RANGES, side.RANGES + side.LOADED_COUNT));
-  }
-}
-void add_result(FIELD_LIST& fields, const plain::HA_RESULT& result) {
-  for (const plain::HA_SIDE& side : {result.MAX, result.MIN}) {
-    fields.ADD("value", side.VALUE);
-    fields.ADD("W_MILLI", side.W_MILLI);
-    fields.ADD("loaded ranges", side.NUMBERS);
-  }
+/// The first difference of a form on a task, empty where there is none. All forms share their work arrays.
+std::string difference(const T_FORM& form, const plain::HB_TASK& task, bool multi, int behind, T_SEEN& seen) {
+  static T_HB_WORK work;
+  const std::size_t planes = form.JUDGE == plain::HB_LANE ? 1 : task.SETS[0].size();
+  const T_SEARCH_RESULT result =
+      SEARCH_HB(form.LIBRARY[multi ? 1 : 0][task.JUMP_LAYOUT ? 1 : 0], task, planes, behind, work);
+  const plain::HB_RESULT judged = form.JUDGE(task);
+  seen.count(judged, form.JUDGE != plain::HB_LANE, form.BY_PARENT);
+  return DIFFERENCE(fields_of(result), fields_of(judged, form.BY_PARENT));
 }
 
-template <search::LAYOUT L>
-FIELD_LIST library_fields(const RANDOM_CASE& c, const plain::LINE* sets) {
-  static search::T_RANGE_WORK work_a, work_b;
-  const bool is_jump = sets[0].JUMP_LAYOUT;
-  const search::T_LINE lines[] = {VIEW(sets[0]), VIEW(sets[1])};
-  const search::T_HA_CURVE curve = CURVE_OF(c.CURVE);
-  FIELD_LIST fields;
-  for (const search::T_LINE& line : lines) {
-    auto* const search_lane = is_jump ? search::HA_SEARCH_LANE_JUMP : search::HA_SEARCH_LANE;
-    add_result(fields, search_lane(line, curve, c.KEL_LOAD, work_a));
-    for (const float probe : c.PROBES) {
-      const search::T_ORDINATE at = search::ORDINATE_AT<L>(probe, line);
-      fields.ADD("upper ordinate", at.UPPER);
-      fields.ADD("lower ordinate", at.LOWER);
-    }
-    std::array<search::T_RANGE_DISTANCES, N_SIDES> sides;
-    for (auto& side : sides) side.PAIRS.fill({1.0F, 1.0F});  // what an earlier lane left
-    (is_jump ? search::RANGE_DISTANCES_JUMP : search::RANGE_DISTANCES)(line, sides);
-    for (const auto& side : sides) {
-      fields.ADD("RANGE_COUNT", side.RANGE_COUNT);
-      for (const auto& pair : side.PAIRS)
-        for (const float end : pair) fields.ADD("end of a range", end);
-    }
-  }
-  for (const RANDOM_ZONE& zone : c.ZONES) {
-    const auto place = search::LOCATE_ZONE(zone.FAR_END, zone.NEAR_END, lines[0].LANE_X, lines[0].n);
-    auto* const one = is_jump ? search::HA_SEARCH_ZONE_JUMP : search::HA_SEARCH_ZONE;
-    auto* const pair = is_jump ? search::HA_SEARCH_ZONE_PAIR_JUMP : search::HA_SEARCH_ZONE_PAIR;
-    add_result(fields, one(lines[0], curve, place, zone.VEHICLE_LENGTH, work_a));
-    const auto both = pair(lines[0], lines[1], curve, place, zone.VEHICLE_LENGTH, work_a, work_b);
-    add_result(fields, both.A);
-    add_result(fields, both.B);
-  }
-  return fields;
-}
-
-FIELD_LIST judged_fields(const RANDOM_CASE& c, const plain::LINE* sets, T_SEEN& seen) {
-  FIELD_LIST fields;
-  for (const plain::LINE& line : {sets[0], sets[1]}) {
-    const plain::HA_RESULT ha = plain::HA_SEARCH_LANE(line, c.CURVE, c.KEL_LOAD);
-    add_result(fields, ha);
-    for (const float probe : c.PROBES) {
-      const plain::ORDINATE at = plain::ORDINATE_AT(probe, line);
-      fields.ADD("upper ordinate", at.UPPER);
-      fields.ADD("lower ordinate", at.LOWER);
-    }
-    const plain::BOTH_DISTANCES sides = plain::RANGE_DISTANCES(line);
-    for (plain::DISTANCES side : {sides.POSITIVE, sides.NEGATIVE}) {
-      side.PAIRS.resize(search::MAX_RANGES);
-      fields.ADD("RANGE_COUNT", side.RANGE_COUNT);
-      for (const auto& pair : side.PAIRS)
-        for (const float end : pair) fields.ADD("end of a range", end);
-    }
-    seen.count(line, ha, sides.POSITIVE);
-  }
-  for (const RANDOM_ZONE& zone : c.ZONES) {
-    const auto place = plain::LOCATE_ZONE(zone.FAR_END, zone.NEAR_END, sets[0]);
-    add_result(fields, plain::HA_SEARCH_ZONE(sets[0], c.CURVE, place, zone.VEHICLE_LENGTH));
-    const auto both = plain::HA_SEARCH_ZONE_PAIR(sets[0], sets[1], c.CURVE, place, zone.VEHICLE_LENGTH);
-    add_result(fields, both.A);
-    add_result(fields, both.B);
-    seen.count(sets[0], place);
-  }
-  return fields;
-}
-
-TEST(bitwise, ranges_and_ha_search_equal_the_plain_steps_in_both_layouts) {
+TEST(bitwise, all_searches_equal_the_plain_steps) {
   T_SEEN seen;
   for (std::uint64_t seed = 1; seed <= N_CASES; ++seed) {
-    const RANDOM_CASE c = MAKE_RANDOM_CASE(seed);
-    SCOPED_TRACE("seed " + std::to_string(seed) + ", " + c.KIND);
-    ASSERT_EQ(
-        DIFFERENCE(library_fields<search::SIMPLE_LAYOUT>(c, c.SIMPLE), judged_fields(c, c.SIMPLE, seen)), "");
-    ASSERT_EQ(DIFFERENCE(library_fields<search::JUMP_LAYOUT>(c, c.JUMP), judged_fields(c, c.JUMP, seen)), "")
-        << "with jumps";
+    const RANDOM_HB_CASE c = MAKE_RANDOM_HB_CASE(seed);
+    for (const float x : c.SIMPLE.X) seen.near_inside += (x + HB_CLEAR) - HB_CLEAR != x;
+    const bool multi = c.SIMPLE.SETS.size() > 1 || seed % 4 == 0;
+    for (const plain::HB_TASK* task : {&c.SIMPLE, &c.JUMP}) {
+      const plain::LINE line = OWN_LINE(*task);
+      const float kel_load = seed % 4 == 0 ? 120.0F : 0.03F * static_cast<float>(seed);
+      ASSERT_EQ(
+          DIFFERENCE(library_lane(line, task->CURVE, kel_load), judged_lane(line, task->CURVE, kel_load)), "")
+          << "whole lane" << (task->JUMP_LAYOUT ? ", jump" : "") << ", seed " << seed << ", " << c.KIND;
+      // Without a zone the zone form differs by the jumps alone.
+      seen.jump_closings += plain::CUT_RANGES(line).POSITIVE.AREA.count() -
+                            plain::CUT_RANGES(line, plain::ZONE_PLACE{}).POSITIVE.AREA.count();
+    }
+    for (const T_FORM& form : FORMS) {
+      for (const plain::HB_TASK* task : {&c.SIMPLE, &c.JUMP}) {
+        ASSERT_EQ(difference(form, *task, multi, seed % 3 == 0 ? 2 : 0, seen), "")
+            << form.NAME << (multi ? "_MULTI" : "") << (task->JUMP_LAYOUT ? "_JUMP" : "") << ", seed " << seed
+            << ", " << c.KIND;
+      }
+    }
   }
-  EXPECT_GT(seen.over_100_distances, 100);
-  EXPECT_GT(seen.over_500_loaded, 20);
-  EXPECT_GT(seen.near_inside, 1000);
-  EXPECT_GT(seen.ends_in_one_segment, 1000);
-  EXPECT_GT(seen.later_prefix_best, 1000);
+  for (const int kept : seen.types) EXPECT_GT(kept, 1000);
+  for (const int kept : seen.passes) EXPECT_GT(kept, 5000);
+  EXPECT_GT(seen.second_full, 1000);
+  EXPECT_GT(seen.no_plane, 1000);
+  EXPECT_GT(seen.later_plane, 1000);
+  EXPECT_GT(seen.over_100_ranges, 25);
+  EXPECT_GT(seen.list_full, 5);
+  EXPECT_GT(seen.near_inside, 10000);
   EXPECT_GT(seen.jump_closings, 1000);
-  EXPECT_GT(seen.pair_short_ranges, 100);
 }
 
 }  // namespace

@@ -202,39 +202,47 @@ TEST_F(lane_search, ranges_of_no_real_length_come_last_in_the_pair_search_of_jum
   EXPECT_EQ(loaded(HA_SEARCH_ZONE_JUMP(view, CONSTANT, end, 1, work)[MAX_SIDE]), (NUMBERS{1, 2}));
 }
 
+TEST_F(lane_search, of_repeated_points_each_loses_one_and_the_rows_behind_hold_what_moving_up_leaves) {
+  struct {
+    std::vector<float> x;
+    std::int32_t count;
+    NUMBERS rows;
+  } const cases[] = {{{}, 0, {}},
+                     {{0, 5, 5, 10, 10, 15, 15}, 4, {1, 2, 4, 6, 7, 7, 7}},
+                     {{5, 5, 5, 5, 6}, 3, {1, 3, 5, 5, 5}},
+                     {{0, 5, 5, 0}, 2, {1, 2, 3, 4}},
+                     {{0, 1, std::nextafter(1.0F, 2.0F)}, 3, {1, 2, 3}}};
+  for (const auto& [x, count, rows] : cases) {
+    const T_KEPT_POINTS kept = DROP_REPEATED_POINTS(x);
+    EXPECT_EQ(kept.COUNT, count);
+    EXPECT_EQ(kept.SOURCE, rows);
+  }
+}
+
 TEST_F(lane_search, numbers_that_are_none_do_no_harm) {
   // Any value may come out, but nothing may be read or written outside the lists.
   constexpr float INFINITE = std::numeric_limits<float>::infinity();
-  const float poisons[] = {std::nanf(""), INFINITE, -INFINITE, 3e38F};
-  T_RANGE_WORK work_b;
+  const std::vector<float> poisons{std::nanf(""), INFINITE, -INFINITE, 3e38F};
+  T_HB_WORK hb_work;
   for (std::uint64_t seed = 1; seed <= 2000; ++seed) {
-    RANDOM_CASE c = MAKE_RANDOM_CASE(seed);
+    RANDOM_HB_CASE c = MAKE_RANDOM_HB_CASE(seed);
     RANDOM random(seed);
-    for (plain::LINE* line : {&c.SIMPLE[0], &c.JUMP[0]}) {
-      for (int poison = 0; poison < 3 && line->n() > 0; ++poison) {
-        plain::LIST<float>* lists[] = {&line->X, &line->BEFORE, &line->AFTER};
-        (*lists[random.below(3)])(random.between(1, line->n())) = poisons[random.below(4)];
+    for (plain::HB_TASK* task : {&c.SIMPLE, &c.JUMP}) {
+      for (int poison = 0; poison < 3 && !task->X.empty(); ++poison) {
+        plain::ORDINATES& rows = task->SETS[0][static_cast<std::size_t>(random.below(3))];
+        std::vector<float>* lists[] = {&task->X, &rows.BEFORE, &rows.AFTER};
+        (*lists[random.below(3)])[static_cast<std::size_t>(random.below(static_cast<int>(task->X.size())))] =
+            random.one_of(poisons);
       }
-      T_HA_CURVE curve = CURVE_OF(c.CURVE);
-      if (random.one_in(4)) curve.HA_P = poisons[random.below(4)];
-      const auto view = VIEW(*line);
+      if (random.one_in(4)) task->CURVE.P = random.one_of(poisons);
+      if (random.one_in(8)) task->HB_S = random.one_of(poisons);
+      const plain::LINE line = OWN_LINE(*task);
+      ha(line, CURVE_OF(task->CURVE), random.one_of(poisons));
       std::array<T_RANGE_DISTANCES, N_SIDES> sides;
-      RANGE_DISTANCES(view, sides);
-      RANGE_DISTANCES_JUMP(view, sides);
-      ha(*line, curve, poisons[random.below(4)]);
-      if (random.one_in(2)) c.ZONES.push_back({poisons[random.below(4)], poisons[random.below(4)], 1});
-      for (const RANDOM_ZONE& zone : c.ZONES) {
-        const auto place = place_of(*line, zone.NEAR_END, zone.FAR_END);
-        (line->JUMP_LAYOUT ? HA_SEARCH_ZONE_JUMP : HA_SEARCH_ZONE)(view, curve, place, zone.VEHICLE_LENGTH,
-                                                                   work);
-        HA_SEARCH_ZONE_PAIR(view, view, curve, place, poisons[random.below(4)], work, work_b);
-        HA_SEARCH_ZONE_PAIR_JUMP(view, view, curve, place, 1, work, work_b);
-      }
-      c.PROBES.insert(c.PROBES.end(), std::begin(poisons), std::end(poisons));
-      for (const float probe : c.PROBES) {
-        (void)ORDINATE_AT<SIMPLE_LAYOUT>(probe, view);
-        (void)ORDINATE_AT<JUMP_LAYOUT>(probe, view);
-      }
+      (task->JUMP_LAYOUT ? RANGE_DISTANCES_JUMP : RANGE_DISTANCES)(VIEW(line), sides);
+      for (HB_SEARCH* form :
+           {HB_LANE_MULTI, HB_LANE_MULTI_JUMP, HB_STRADDLE_THIRD_MULTI, HB_STRADDLE_SUM_MULTI_JUMP})
+        SEARCH_HB(form, *task, task->SETS[0].size(), 0, hb_work);
     }
   }
 }

@@ -1,4 +1,4 @@
-// Random influence lines with what a search is given beside them, one case a seed.
+// Random lanes with what the searches are given beside them, one case a seed.
 //
 // Smooth lines and noise, and above all what breaks a search: ties, zeros, repeated points, jumps, lanes
 // without points or with more ranges than the lists hold, ends of a zone on, beside and between the points.
@@ -29,6 +29,12 @@ inline search::T_HA_CURVE CURVE_OF(const plain::HA_CURVE& curve) {
 }
 search::T_VEHICLE_PARAMETERS VEHICLE_OF(const plain::HB_TASK& task);
 
+/// The line of plane 1 of a lane's own set.
+inline plain::LINE OWN_LINE(const plain::HB_TASK& task) {
+  const plain::ORDINATES& rows = task.SETS[0][0];
+  return {task.JUMP_LAYOUT, task.TWO_COLUMNS, {task.X}, {rows.BEFORE}, {rows.AFTER}};
+}
+
 /// Lines from literals.
 inline plain::LINE SIMPLE_LINE(std::vector<float> x, std::vector<float> y) {
   return {false, false, {std::move(x)}, {y}, {y}};
@@ -41,25 +47,6 @@ inline plain::LINE JUMP_LINE(std::vector<float> x, std::vector<float> before, st
 /// own, as where another lane of the model is longer.
 search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
                                   int behind, search::T_HB_WORK& work);
-
-/// The stretch of an HB, NEAR_END not above FAR_END, both on the lane.
-struct RANDOM_ZONE {
-  float FAR_END = 0;
-  float NEAR_END = 0;
-  float VEHICLE_LENGTH = 0;
-};
-
-struct RANDOM_CASE {
-  std::string KIND;       // in words, for messages
-  plain::LINE SIMPLE[2];  // two ordinate sets A and B on the same positions
-  plain::LINE JUMP[2];    // the same line with jumps, or without them and with one column
-  plain::HA_CURVE CURVE;
-  float KEL_LOAD = 0;
-  std::vector<RANDOM_ZONE> ZONES;  // none where n is below 2
-  std::vector<float> PROBES;       // positions to read the line at, some off the lane
-};
-
-RANDOM_CASE MAKE_RANDOM_CASE(std::uint64_t seed);
 
 /// A task of the HB searches in both layouts, on a lane that an HB may fit on, with 3 to 5 planes a set.
 struct RANDOM_HB_CASE {
