@@ -128,7 +128,8 @@ TEST(diagnostic_text, numbers_stand_right_in_their_fields_and_asterisks_fill_wha
   };
   for (const auto& [at, beginning] : BEGINNINGS) EXPECT_TRUE(lines[at].starts_with(beginning)) << lines[at];
   EXPECT_TRUE(lines[3].ends_with("*************      0.000001234567.00000")) << lines[3];
-  EXPECT_TRUE(lines[43].ends_with("                 3                 0                 0                 0"));
+  EXPECT_TRUE(
+      lines[43].ends_with("                 3                 0                 0                 0"));
 }
 
 TEST(failure_text, every_reason_has_a_text_of_its_own_and_a_text_too_long_for_its_room_is_cut) {

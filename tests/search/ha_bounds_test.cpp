@@ -24,8 +24,7 @@ std::string contradiction(const plain::HB_TASK& task, int& narrow) {
   static T_INTENSITY_BOUNDS intensity;
   static T_HA_BOUNDS bounds;
   static T_RANGE_WORK work;
-  const plain::ORDINATES& rows = task.SETS[0][1];
-  const plain::LINE own{task.JUMP_LAYOUT, task.TWO_COLUMNS, {task.X}, {rows.BEFORE}, {rows.AFTER}};
+  const plain::LINE own = OWN_LINE(task);
   const T_LINE line = VIEW(own);
   const T_VEHICLE_PARAMETERS vehicle = VEHICLE_OF(task);
   const T_OFFSETS offsets(vehicle);
