@@ -13,9 +13,9 @@
 namespace results {
 namespace {
 
-/// Two ordinary lanes and a straddle lane of three planes. Class 1 has two vehicles, a definition on the
-/// straddle lane and on lane 1, and axles on all three; class 2 has no definition. Of a lane other than that in
-/// hand a definition counts with any number but 0.
+/// Two ordinary lanes and a straddle lane of three planes, where classes 1 and 2 have axles on other lanes.
+/// Listed are the straddle lane's sets of class 1 alone, once for its two vehicles: class 2 has a definition
+/// on lane 1 only. Of a lane beside that in hand a definition counts with any number but 0.
 modelkit::T_MODEL listed_model() {
   modelkit::T_MODEL model{.unit_loads = 3, .lanes = std::vector<modelkit::T_LANE>(3)};
   for (modelkit::T_LANE& lane : model.lanes)
@@ -31,14 +31,15 @@ modelkit::T_MODEL listed_model() {
       {.combinations = {{{6, 1.0}, {0, 0.0}, {4, 1.0}}, {{2, 1.0}, {0, 0.0}, {8, 1.0}}}}};
   model.class_lanes = true;
   model.axle_lists = {{.vehicle_class = 1, .lane = 3, .lanes = {1, 0, 2, 3}},
-                      {.vehicle_class = 1, .lane = 1, .lanes = {2, 0, 0, 0}},
+                      {.vehicle_class = 2, .lane = 1, .lanes = {2, 0, 0, 0}},
                       {.vehicle_class = 2, .lane = 3, .lanes = {2, 0, 0, 0}}};
   model.class_definitions = {
       {.number = 1,
        .lane = 3,
        .entries_per_point = 3,
        .links = {{{{1, 1.0}}, {{2, 1.0}}, {{3, 1.0}}}, {{{1, 2.0}}, {{1, -1.0}}, {}}}},
-      {.number = -2, .lane = 1, .entries_per_point = 3, .links = {{{{3, 0.5}}, {}, {}}}}};
+      {.number = -2, .lane = 1, .entries_per_point = 3, .links = {{{{3, 0.5}}, {}, {}}}},
+      {.group_row = 2, .number = 3, .lane = 1, .entries_per_point = 3, .links = {{{{3, 0.5}}, {}, {}}}}};
   model.trusses = {{.id = 1, .values = {{1.5F, -20.25F, 3e8F}, {7.0F, 7.0F, 7.0F}}}};
   return model;
 }
