@@ -182,7 +182,8 @@ TEST_F(damage, a_request_that_no_model_can_answer_fails_and_says_why) {
     fails(code, "analysis code " + to_string(code) + " is unknown (0 to 4 and 101 are known)");
   fails(105, "analysis code 5 is unknown (0 to 4 and 101 are known)");
   fails(4, base_ + ".ZAX3: block MVIF: the file can't be opened");
-  fails(101, base_ + ".YA3: block MVIF: the file can't be opened");
+  for (const std::int32_t code : {101, 201})
+    fails(code, base_ + ".YA3: block IFSV: the file can't be opened");
   std::filesystem::create_directory(base_ + ".XA3");
   fails(2, base_ + ".XA3: block MVIF: the file can't be opened");
   std::ofstream(base_ + ".WA3").close();
