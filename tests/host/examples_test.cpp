@@ -2,10 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "modelkit/beam_results.h"
 #include "modelkit/example_bridge.h"

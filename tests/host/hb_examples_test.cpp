@@ -9,12 +9,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "modelkit/example_span.h"
-#include "modelkit/model_writer.h"
 #include "tests/host/model_run.h"
 
 namespace {
@@ -161,21 +159,6 @@ TEST(hb_examples, an_hb_fits_a_lane_just_as_long_as_its_clear_stretches_and_no_s
   const auto alone = ask(loaded(beam(59.599), {2, 0}), modelkit::SPAN_MIDSPAN_MOMENT);
   EXPECT_EQ(alone.FINAL_MAX, 0.0);
   EXPECT_EQ(alone.K_MXLOAD.LANE(1), NOTHING_GOVERNS);
-}
-
-// The reaction's ordinate falls from 1 at the support to 0 at 100 m. The last axle stands on the support: 4 -
-// 19.2 / 100 = 3.808. Before the support there is nothing to load; the UDL begins 25 m before the first axle,
-// 34.6 m from the support, where the ordinate is 0.654, and is 65.4 m long: area 0.654 * 65.4 / 2. L = 75.
-TEST(hb_examples, an_hb_at_a_support_has_ha_on_one_side_only) {
-  const T_MODEL model = loaded(
-      modelkit::SIMPLE_SPAN_MODEL(100.0, 251, {.overrun = 30.0, .direction = DIRECTION::FORWARD}), {2});
-  const auto got = ask(model, modelkit::SPAN_END_SHEAR);
-  const double w = intensity(75.0);
-  EXPECT_CLOSE(AXLE * 3.808 + w * 0.654 * 65.4 / 2.0, got.FINAL_MAX);
-  // The lane has a point every metre before the deck, which begins at 30 m.
-  EXPECT_EQ(got.K_MXLOAD.LANE(1), (RECORD{1, in_milli(w), 1, 1, 6, FULL_SCALE, 1, 0, 102, 0}));
-  EXPECT_EQ(NUMBERS(got.K_MAXINFL_S, 1), RECORD{1});
-  EXPECT_EQ(got.DISTANCE_MAX_RANGE.LANE(1), PAIRS({64.6F, 130.0F}));
 }
 
 // The first support's reaction over spans of 100 and 50 m. A load at a in the first span gives r = 1 - a /

@@ -85,25 +85,6 @@ TEST_F(example_bridge, a_lane_bears_on_the_deck_alone_and_its_segments_repeat_th
   }
 }
 
-TEST_F(example_bridge, the_straddle_lane_has_its_parents_entries_on_planes_two_and_three) {
-  const T_LANE& straddle = bridge().model.lanes.back();
-  const std::vector<float>& deflection = bridge().model.disp[176].values[2];
-  ASSERT_EQ(straddle.entries_per_point, 3 * straddle.entries_per_plane);
-  for (const int plane : {2, 3}) {
-    const T_LANE& parent =
-        bridge()
-            .model
-            .lanes[static_cast<std::size_t>(plane == 2 ? straddle.left_parent : straddle.right_parent) - 1];
-    T_LANE alone = straddle;
-    alone.entries_per_point = straddle.entries_per_plane;
-    for (T_INFLUENCE_POINT& point : alone.points) {
-      const auto first = point.entries.begin() + (plane - 1) * straddle.entries_per_plane;
-      point.entries = {first, first + straddle.entries_per_plane};
-    }
-    EXPECT_EQ(line_of(alone, deflection), line_of(parent, deflection));
-  }
-}
-
 // A cut across the deck in the middle of the main span: the beams' forces there balance the bearings before
 // it and the load, where that stands before it.
 TEST_F(example_bridge, the_forces_of_the_beams_balance_the_bearings_before_a_section) {

@@ -57,7 +57,7 @@ TEST(grillage, a_simply_supported_beam_deflects_by_PL3_over_48EI) {
   constexpr double LENGTH = 12.0;
   T_GRILLAGE beam = straight_beam(LENGTH, 4);
   beam.supports = {forked(1), pinned(5)};
-  const T_GRILLAGE_RESPONSES answer = SOLVE_GRILLAGE(beam, {3, 2});
+  const T_GRILLAGE_RESPONSES answer = SOLVE_GRILLAGE(beam, {3, 2, 5});
 
   EXPECT_NEAR(answer.DISPLACEMENT(1, 3, GRILLAGE_W), std::pow(LENGTH, 3) / (48.0 * EI), 1e-12);
   EXPECT_NEAR(answer.DISPLACEMENT(1, 1, GRILLAGE_ROTATION_Y), -LENGTH * LENGTH / (16.0 * EI), 1e-12)
@@ -69,6 +69,15 @@ TEST(grillage, a_simply_supported_beam_deflects_by_PL3_over_48EI) {
   // Quarter point: M = P a b / L.
   EXPECT_NEAR(answer.END_FORCES(2, 1).moment, 3.0 * 9.0 / 12.0, 1e-9);
   EXPECT_NEAR(answer.REACTION(2, 1), 0.75, 1e-9);
+
+  // Inside a member, on the loaded node, which changes the shear by 1, and under a load on the support.
+  constexpr std::array MEMBERS{1, 2, 3, 4};
+  EXPECT_NEAR(answer.BEAM_FORCES(1, MEMBERS, 0.125).load_behind.moment, 0.75, 1e-9);
+  const T_BEAM_SECTION middle = answer.BEAM_FORCES(1, MEMBERS, 0.5);
+  EXPECT_NEAR(middle.load_before.shear, -0.5, 1e-9);
+  EXPECT_NEAR(middle.load_behind.shear, 0.5, 1e-9);
+  EXPECT_NEAR(middle.load_before.moment, LENGTH / 4.0, 1e-9);
+  EXPECT_NEAR(answer.BEAM_FORCES(3, MEMBERS, 1.0).load_before.shear, 0.0, 1e-9);
 }
 
 TEST(grillage, an_outrigger_twists_a_cantilever_by_TL_over_GJ) {

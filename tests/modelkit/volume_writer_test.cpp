@@ -78,18 +78,6 @@ TEST(volume_set, every_word_stands_where_the_format_has_it) {
   EXPECT_THROW(VOLUME_PATH("x", 1001), std::runtime_error);
 }
 
-TEST(volume_set, a_set_beyond_4_gb_is_written_without_its_data) {
-  const TEMPORARY_DIRECTORY files;
-  const T_VOLUME_LAYOUT layout = WRITE_VOLUME_SET(
-      LARGE_VOLUME_SET({.nodes = 1000, .beams = 0, .loads = 200'000, .ids_per_block = 300, .volumes = 1}),
-      files.NAME());
-  ASSERT_EQ(layout.blocks.size(), 4U);
-  const T_WRITTEN_VOLUME_BLOCK& last = layout.blocks.back();
-  EXPECT_GT(last.data_offset, std::int64_t{1} << 32U);
-  EXPECT_EQ(std::filesystem::file_size(layout.paths[0]),
-            static_cast<std::uintmax_t>(last.data_offset + 100 * std::int64_t{4'800'000} + 4));
-}
-
 /// Value v of every response is v under load 1 and 1000 + v under load 2.
 T_RESPONSE telling_response(std::int32_t id, int values) {
   T_RESPONSE response{.id = id};
