@@ -70,6 +70,18 @@ TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_i
   EXPECT_EQ(NUMBERS(one.K_MININFL_S, 1), RECORD{2});
 }
 
+TEST(examples, the_three_supports_of_a_two_span_beam_carry_a_load_whole) {
+  const T_MODEL beam = modelkit::TWO_SPAN_MODEL(20.0, 30.0);
+  const auto& values = beam.simb[0].values;
+  for (std::size_t load = 0; load < values[0].size(); ++load) {
+    float sum = 0.0F;
+    for (const int item : {modelkit::TWO_SPAN_FIRST_REACTION, modelkit::TWO_SPAN_INNER_REACTION,
+                           modelkit::TWO_SPAN_LAST_REACTION})
+      sum += values[static_cast<std::size_t>(item) - 1][load];
+    EXPECT_NEAR(sum, 1.0F, 1e-6F) << load;
+  }
+}
+
 // HA in two lanes of which one has a third (case 1), and in one lane alone (case 2).
 TEST(examples, lanes_add_up_over_a_combination_and_the_first_of_equal_combinations_governs) {
   constexpr double THIRD = 1.0 / 3.0;
