@@ -32,7 +32,7 @@ T_MODEL telling_model(int plate_form) {
   model.beams = {telling_response(68)};
   model.plates = {telling_response(70)};
   model.walls = {telling_response(132)};
-  model.elements_per_file = 1;
+  model.elements_per_file = 2;
   return model;
 }
 
@@ -152,13 +152,16 @@ TEST(element_results, what_cant_be_read_fails_the_run_and_says_why) {
       if (item != 51)  // of a beam: the call returns at once
         fails(kind, 2, item,
               ": RESULT_ITEM is " + std::to_string(item) + ", outside 1 to " + std::to_string(items));
-    fails(kind, 0, 1, ": RESULT_ID is 0, outside 1 to 2147483647");
-    fails(kind, 10, 1, ": FILE_NO of the element is 10, outside 1 to 9");
-    fails(kind, 3, 1, letter + std::string("3: the file can't be opened"));
+    for (const std::int32_t id : {0, -2147483647 - 1})
+      fails(kind, id, 1, ": RESULT_ID is " + std::to_string(id) + ", outside 1 to 2147483647");
+    fails(kind, 19, 1, ": FILE_NO of the element is 10, outside 1 to 9");
+    fails(kind, 3, 1, letter + std::string("2: the file can't be opened"));
   }
-  std::filesystem::resize_file(layout.path + "B2", 2 * 69 * 4 - 1);
+  std::filesystem::create_directory(layout.path + "T2");
+  fails(MOVLOAD_RK_TRUSS, 3, 1, "T2: the file can't be opened");
+  std::filesystem::resize_file(layout.path + "B1", 4 * 69 * 4 - 1);  // of element 2 the last record
   for (const std::int32_t item : {1, 50})
-    fails(MOVLOAD_RK_BEAM, 2, item, "B2: record 2: the file ends before the record does");
+    fails(MOVLOAD_RK_BEAM, 2, item, "B1: record 4: the file ends before the record does");
   for (const std::int32_t form : {0, 5, 99, -1}) {
     modelkit::OVERWRITE_WORD(layout, "MVIF", 1, 7, 100 * form);
     fails(MOVLOAD_RK_PLATE, 2, 1, ": block MVIF: record 1: PLATE_FORM is 0, outside 1 to 4");

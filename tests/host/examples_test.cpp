@@ -2,34 +2,20 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "modelkit/beam_results.h"
 #include "modelkit/example_bridge.h"
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
-#include "tests/host/host_call.h"
 #include "tests/host/model_run.h"
-#include "tests/host/plain_run.h"
 #include "tests/temporary_directory.h"
 
 namespace {
 
-using host::ASK;
-using host::NOTHING_GOVERNS;
-using host::NUMBERS;
-using host::PAIRS;
-using host::RECORD;
+using namespace host;
 using modelkit::T_MODEL;
-
-constexpr double SINGLE_PRECISION = 3e-6;  // of some tens of additions
-
-void expect_near(double expected, double got) {
-  EXPECT_NEAR(got, expected, SINGLE_PRECISION * std::fabs(expected));
-}
 
 // w = 30 kN/m up to 30 m and 151 (1/L)^0.475 beyond, a knife edge of 120 kN; the moment is w L^2 / 8 + 120
 // L/4. The least value is 0: no ordinate is below 0.
@@ -40,10 +26,10 @@ TEST(examples, a_simple_span_under_ha_carries_the_moment_worked_out_by_hand) {
        {std::tuple{25.0, 3093.75, 30000}, {30.0, 4275.0, 30000}, {50.0, 8858.96, 23548}}) {
     const auto got =
         ASK(modelkit::SIMPLE_SPAN_MODEL(span), MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT);
-    expect_near(moment, got.FINAL_MAX);
+    EXPECT_CLOSE(moment, got.FINAL_MAX);
     EXPECT_EQ(got.FINAL_MIN, 0.0);
-    // Full scale is 10000000; midspan is point 26 of 51; one forward pass and no HB give 101.
-    EXPECT_EQ(got.K_MXLOAD.LANE(1), (RECORD{1, intensity, 1, 0, 0, 10000000, 0, 26, 101, 0}));
+    // Midspan is point 26 of 51; one forward pass and no HB give 101.
+    EXPECT_EQ(got.K_MXLOAD.LANE(1), (RECORD{1, intensity, 1, 0, 0, FULL_SCALE, 0, 26, 101, 0}));
     EXPECT_EQ(got.K_MNLOAD.LANE(1), NOTHING_GOVERNS);
     EXPECT_EQ(NUMBERS(got.K_MAXINFL_S, 1), RECORD{1});
     EXPECT_EQ(NUMBERS(got.K_MININFL_S, 1), RECORD{});
@@ -55,7 +41,7 @@ TEST(examples, a_simple_span_under_ha_carries_the_moment_worked_out_by_hand) {
 // 30 * 25 / 2 + 120, the knife edge over the support.
 TEST(examples, the_end_shear_of_a_simple_span_puts_the_knife_edge_over_the_support) {
   const auto got = ASK(modelkit::SIMPLE_SPAN_MODEL(25.0), MOVLOAD_RK_SIMB, 1, modelkit::SPAN_END_SHEAR);
-  expect_near(495.0, got.FINAL_MAX);
+  EXPECT_CLOSE(495.0, got.FINAL_MAX);
   EXPECT_EQ(got.K_MXLOAD(MOVLOAD_POS_OF_HA_KEL + 1, 1), 1);
 }
 
@@ -72,7 +58,7 @@ TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_i
   EXPECT_EQ(both.FINAL_MAX, 0.0);
   EXPECT_NEAR(both.FINAL_MIN, -2474.90, 0.02);
   // Points 1 to 41 on the first span; 32.75 m from the first support is 17 steps of 0.75 m further.
-  EXPECT_EQ(both.K_MNLOAD.LANE(1), (RECORD{1, 23548, 2, 0, 0, 10000000, 0, 58, 101, 0}));
+  EXPECT_EQ(both.K_MNLOAD.LANE(1), (RECORD{1, 23548, 2, 0, 0, FULL_SCALE, 0, 58, 101, 0}));
   EXPECT_EQ(NUMBERS(both.K_MININFL_S, 1), (RECORD{2, 1}));
   EXPECT_EQ(both.K_MXLOAD.LANE(1), NOTHING_GOVERNS);
   // The zero over the support doesn't end a range where distances are told.
@@ -84,24 +70,19 @@ TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_i
   EXPECT_EQ(NUMBERS(one.K_MININFL_S, 1), RECORD{2});
 }
 
-// Deflections downward, no ordinate below 0, the result a component in the middle of its record.
-TEST(examples, a_displacement_that_no_load_lifts_has_the_minimum_zero_and_empty_records_there) {
-  T_MODEL model = modelkit::SIMPLE_SPAN_MODEL(25.0);
-  const std::vector<float> line = model.simb[0].values[modelkit::SPAN_MIDSPAN_MOMENT - 1];
-  modelkit::T_RESPONSE node{.id = 7, .values = {}};
-  node.values.assign(6, std::vector<float>(line.size(), -1.0F));
-  node.values[2] = line;
-  model.disp = {node};
-  const auto got = ASK(model, MOVLOAD_RK_DISP, 7, 3);
-  expect_near(3093.75, got.FINAL_MAX);
-  EXPECT_EQ(got.FINAL_MIN, 0.0);
-  EXPECT_FALSE(std::signbit(got.FINAL_MIN));
-  EXPECT_EQ(got.K_MNLOAD.LANE(1), NOTHING_GOVERNS);
-  EXPECT_EQ(NUMBERS(got.K_MININFL_S, 1), RECORD{});
+TEST(examples, the_three_supports_of_a_two_span_beam_carry_a_load_whole) {
+  const T_MODEL beam = modelkit::TWO_SPAN_MODEL(20.0, 30.0);
+  const auto& values = beam.simb[0].values;
+  for (std::size_t load = 0; load < values[0].size(); ++load) {
+    float sum = 0.0F;
+    for (const int item : {modelkit::TWO_SPAN_FIRST_REACTION, modelkit::TWO_SPAN_INNER_REACTION,
+                           modelkit::TWO_SPAN_LAST_REACTION})
+      sum += values[static_cast<std::size_t>(item) - 1][load];
+    EXPECT_NEAR(sum, 1.0F, 1e-6F) << load;
+  }
 }
 
-// HA in all lanes with one at a third (case 1), and in one lane alone (case 2). The bridge mirrors itself
-// about its axis, and so do its lanes: what holds for one edge beam holds for the other.
+// HA in two lanes of which one has a third (case 1), and in one lane alone (case 2).
 TEST(examples, lanes_add_up_over_a_combination_and_the_first_of_equal_combinations_governs) {
   constexpr double THIRD = 1.0 / 3.0;
   T_MODEL model = modelkit::SIMPLE_SPAN_MODEL(25.0);
@@ -115,138 +96,75 @@ TEST(examples, lanes_add_up_over_a_combination_and_the_first_of_equal_combinatio
                              {.combinations = {{{1, 1.0}, {0, 1.0}}, {{1, 1.0}, {5, 0.5}}}}};
 
   const auto equal = ASK(model, MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT, 1);
-  expect_near(4125.0, equal.FINAL_MAX);
-  EXPECT_EQ(equal.K_MXLOAD.LANE(1), (RECORD{1, 30000, 1, 0, 0, 10000000, 0, 26, 101, 0}));
+  EXPECT_CLOSE(4125.0, equal.FINAL_MAX);
+  EXPECT_EQ(equal.K_MXLOAD.LANE(1), (RECORD{1, 30000, 1, 0, 0, FULL_SCALE, 0, 26, 101, 0}));
   // A third in single precision, times 1e7 in single precision: 3333333.4 or so, truncated.
   EXPECT_EQ(equal.K_MXLOAD.LANE(2), (RECORD{1, 30000, 1, 0, 0, 3333333, 0, 26, 101, 0}));
 
   // The class of the last loaded lane stands in every lane. The point of the knife edge is noted without one.
   const auto mixed = ASK(model, MOVLOAD_RK_SIMB, 1, modelkit::SPAN_MIDSPAN_MOMENT, 2);
-  expect_near(3679.6875, mixed.FINAL_MAX);
-  EXPECT_EQ(mixed.K_MXLOAD.LANE(1), (RECORD{2, 30000, 1, 0, 0, 10000000, 0, 26, 101, 0}));
+  EXPECT_CLOSE(3679.6875, mixed.FINAL_MAX);
+  EXPECT_EQ(mixed.K_MXLOAD.LANE(1), (RECORD{2, 30000, 1, 0, 0, FULL_SCALE, 0, 26, 101, 0}));
   EXPECT_EQ(mixed.K_MXLOAD.LANE(2), (RECORD{2, 15000, 1, 0, 0, 5000000, 0, 26, 101, 0}));
 }
 
-TEST(examples, the_bridge_has_the_envelopes_it_had_and_its_edges_mirror_each_other) {
-  struct GOLDEN {
-    int KIND, ID, ITEM;
-    double MAX[2], MIN[2];
-  };
-  using namespace modelkit;
-  const std::vector<GOLDEN> table = {
-      {MOVLOAD_RK_SIMB, 1, BRIDGE_MOMENT_MAIN_SPAN, {1139.92, 929.016}, {-275.924, -187.733}},
-      {MOVLOAD_RK_SIMB, 1, BRIDGE_MOMENT_FIRST_PIER, {153.286, 96.5792}, {-894.719, -767.138}},
-      {MOVLOAD_RK_REAC, BRIDGE_NODE(20, 1), 3, {326.152, 304.789}, {-50.6667, -26.6444}},
-      {MOVLOAD_RK_DISP, BRIDGE_NODE(35, 3), 3, {0.0121178, 0.00660023}, {-0.00312352, -0.00156189}},
-      {MOVLOAD_RK_SIMB, 3, BRIDGE_MOMENT_FIRST_PIER, {133.173, 65.904}, {-1386.61, -844.643}},
-      {MOVLOAD_RK_SIMB, 3, BRIDGE_SHEAR_BEHIND_PIER_1, {393.509, 263.054}, {-20.3527, -10.0473}},
-      {MOVLOAD_RK_REAC, BRIDGE_NODE(0, 3), 3, {287.942, 186.002}, {-52.7665, -26.4572}},
-  };
-  const T_EXAMPLE bridge = EXAMPLE_BRIDGE();
-  const TEMPORARY_DIRECTORY directory;
-  WRITE_MODEL(bridge.model, directory.NAME());
-  const auto lanes = static_cast<int>(bridge.model.lanes.size());
-  for (const GOLDEN& golden : table) {
-    // Nodes are numbered across the bridge, as are the beams.
-    const int beam = (golden.ID - 1) % BRIDGE_BEAMS + 1;
-    const int mirror_id = golden.ID + BRIDGE_BEAMS + 1 - 2 * beam;
-    for (const int mv_case : {BRIDGE_CASE_HA, BRIDGE_CASE_HA_SINGLE}) {
-      const auto got = host::RUN(lanes, directory.NAME(), 0, golden.KIND, golden.ID, golden.ITEM, mv_case);
-      const double MAX = golden.MAX[mv_case - 1];
-      const double MIN = golden.MIN[mv_case - 1];
-      EXPECT_NEAR(got.FINAL_MAX, MAX, 1e-5 * MAX) << golden.KIND << " " << golden.ID << " " << mv_case;
-      EXPECT_NEAR(got.FINAL_MIN, MIN, -1e-5 * MIN) << golden.KIND << " " << golden.ID << " " << mv_case;
-      const auto judged = plain::RUN(bridge.model, lanes, 0, golden.KIND, golden.ID, golden.ITEM, mv_case);
-      EXPECT_TRUE(host::SAME(judged, got));
-      const auto mirrored =
-          host::RUN(lanes, directory.NAME(), 0, golden.KIND, mirror_id, golden.ITEM, mv_case);
-      EXPECT_NEAR(mirrored.FINAL_MAX, MAX, 1e-4 * MAX);
-      EXPECT_NEAR(mirrored.FINAL_MIN, MIN, -1e-4 * MIN);
-    }
+class bridge : public testing::Test {
+ protected:
+  bridge() { modelkit::WRITE_MODEL(model_, directory_.NAME()); }
+  [[nodiscard]] std::pair<double, double> run(int kind, int id, int item, int mv_case) const {
+    const auto lanes = static_cast<int>(model_.lanes.size());
+    const auto got = host::RUN(lanes, directory_.NAME(), 0, kind, id, item, mv_case);
+    return {got.FINAL_MAX, got.FINAL_MIN};
   }
-}
+  static void expect_same(const std::pair<double, double>& expected, const std::pair<double, double>& got,
+                          double relative) {
+    EXPECT_GT(expected.first, 0.0);
+    EXPECT_LT(expected.second, 0.0);
+    EXPECT_CLOSE(expected.first, got.first, relative);
+    EXPECT_CLOSE(expected.second, got.second, relative);
+  }
 
-TEST(examples, the_bridge_has_the_envelopes_it_had_under_hb_and_any_way_of_it_gives_the_worst) {
-  struct GOLDEN {
-    int KIND, ID, ITEM;
-    double MAX[3], MIN[3];  // HB in one lane; across two, full UDL on both; full on one, a third on the other
-  };
+  const T_MODEL model_ = modelkit::EXAMPLE_BRIDGE().model;
+  const TEMPORARY_DIRECTORY directory_;
+};
+
+TEST_F(bridge, mirrors_itself_under_ha_and_any_way_of_hb_gives_the_worst) {
   using namespace modelkit;
-  const std::vector<GOLDEN> table = {
-      {MOVLOAD_RK_SIMB,
-       1,
-       BRIDGE_MOMENT_MAIN_SPAN,
-       {2442.092, 2232.040, 2233.747},
-       {-527.330, -488.767, -491.410}},
-      {MOVLOAD_RK_SIMB,
-       3,
-       BRIDGE_MOMENT_FIRST_PIER,
-       {258.341, 207.496, 241.524},
-       {-2288.635, -1882.368, -2153.213}},
-      {MOVLOAD_RK_REAC, BRIDGE_NODE(20, 1), 3, {634.148, 613.404, 614.640}, {-89.8315, -68.4542, -91.1201}},
-      {MOVLOAD_RK_SIMB,
-       1,
-       BRIDGE_TORSION_BEHIND_PIER_1,
-       {65.7143, 59.0559, 67.2121},
-       {-36.0042, -31.3982, -36.1306}},
-  };
-  const T_EXAMPLE bridge = EXAMPLE_BRIDGE();
-  const TEMPORARY_DIRECTORY directory;
-  WRITE_MODEL(bridge.model, directory.NAME());
-  const auto lanes = static_cast<int>(bridge.model.lanes.size());
-  for (const GOLDEN& golden : table) {
-    const auto run = [&](int mv_case) {
-      return host::RUN(lanes, directory.NAME(), 0, golden.KIND, golden.ID, golden.ITEM, mv_case);
-    };
-    double worst_max = 0.0;
-    double worst_min = 0.0;
-    for (int mv_case = BRIDGE_CASE_HB; mv_case < BRIDGE_CASE_HB_ANY; ++mv_case) {
-      const auto got = run(mv_case);
-      const int at = mv_case - BRIDGE_CASE_HB;
-      EXPECT_NEAR(got.FINAL_MAX, golden.MAX[at], 1e-5 * golden.MAX[at]) << golden.ID << " " << mv_case;
-      EXPECT_NEAR(got.FINAL_MIN, golden.MIN[at], -1e-5 * golden.MIN[at]) << golden.ID << " " << mv_case;
-      worst_max = std::max(worst_max, got.FINAL_MAX);
-      worst_min = std::min(worst_min, got.FINAL_MIN);
+  for (const auto& [kind, id, item] : {std::tuple{MOVLOAD_RK_SIMB, 1, int{BRIDGE_MOMENT_MAIN_SPAN}},
+                                       {MOVLOAD_RK_SIMB, 1, BRIDGE_TORSION_BEHIND_PIER_1},
+                                       {MOVLOAD_RK_REAC, BRIDGE_NODE(20, 1), 3},
+                                       {MOVLOAD_RK_DISP, BRIDGE_NODE(35, 3), 3}}) {
+    SCOPED_TRACE(id);
+    // Nodes are numbered across the bridge, as are the beams. A torsion mirrored has the other sign.
+    const int mirror_id = id + BRIDGE_BEAMS + 1 - 2 * ((id - 1) % BRIDGE_BEAMS + 1);
+    for (const int mv_case : {BRIDGE_CASE_HA, BRIDGE_CASE_HA_SINGLE}) {
+      auto mirrored = run(kind, mirror_id, item, mv_case);
+      if (item == BRIDGE_TORSION_BEHIND_PIER_1) mirrored = {-mirrored.second, -mirrored.first};
+      expect_same(run(kind, id, item, mv_case), mirrored, 1e-4);
     }
-    EXPECT_EQ(run(BRIDGE_CASE_HB_ANY).FINAL_MAX, worst_max);
-    EXPECT_EQ(run(BRIDGE_CASE_HB_ANY).FINAL_MIN, worst_min);
+    std::pair<double, double> worst;
+    for (int mv_case = BRIDGE_CASE_HB; mv_case < BRIDGE_CASE_HB_ANY; ++mv_case) {
+      const auto [max, min] = run(kind, id, item, mv_case);
+      worst = {std::max(worst.first, max), std::min(worst.second, min)};
+    }
+    EXPECT_EQ(run(kind, id, item, BRIDGE_CASE_HB_ANY), worst);
   }
 }
 
 // BRIDGE_BEAM(2, 3) is the inner beam's main span; SIMB 3 has forces of that beam, REAC its bearings.
-TEST(examples, elements_of_the_bridge_agree_with_its_other_results_and_have_the_envelopes_they_had) {
+TEST_F(bridge, elements_agree_with_the_other_results) {
   using namespace modelkit;
-  const T_EXAMPLE bridge = EXAMPLE_BRIDGE();
-  const TEMPORARY_DIRECTORY directory;
-  WRITE_MODEL(bridge.model, directory.NAME());
-  const auto run = [&](int kind, int id, int item, int mv_case) {
-    const auto got =
-        host::RUN(static_cast<int>(bridge.model.lanes.size()), directory.NAME(), 0, kind, id, item, mv_case);
-    return std::pair{got.FINAL_MAX, got.FINAL_MIN};
-  };
   for (int mv_case = 1; mv_case <= BRIDGE_CASE_HB_ANY; ++mv_case) {
-    const auto expect_same = [&](const std::pair<double, double>& expected,
-                                 const std::pair<double, double>& got) {
-      EXPECT_NEAR(got.first, expected.first, 1e-5 * expected.first) << mv_case;
-      EXPECT_NEAR(got.second, expected.second, -1e-5 * expected.second) << mv_case;
-    };
     const auto beam = [&](BEAM_STATION station, BEAM_FORCE force) {
       return run(MOVLOAD_RK_BEAM, BRIDGE_BEAM(2, 3), BEAM_FORCE_ITEM(station, force), mv_case);
     };
     const auto simb = [&](BRIDGE_ITEM item) { return run(MOVLOAD_RK_SIMB, 3, item, mv_case); };
-    expect_same(simb(BRIDGE_MOMENT_MAIN_SPAN), beam(BEAM_MIDDLE, BEAM_MOMENT));
-    expect_same(simb(BRIDGE_MOMENT_SECOND_PIER), beam(BEAM_END, BEAM_MOMENT));
-    expect_same(simb(BRIDGE_SHEAR_BEHIND_PIER_1), beam(BEAM_START, BEAM_SHEAR));
+    expect_same(simb(BRIDGE_MOMENT_MAIN_SPAN), beam(BEAM_MIDDLE, BEAM_MOMENT), 1e-5);
+    expect_same(simb(BRIDGE_MOMENT_SECOND_PIER), beam(BEAM_END, BEAM_MOMENT), 1e-5);
+    expect_same(simb(BRIDGE_SHEAR_BEHIND_PIER_1), beam(BEAM_START, BEAM_SHEAR), 1e-5);
     const auto [reaction, uplift] = run(MOVLOAD_RK_REAC, BRIDGE_NODE(20, 1), 3, mv_case);
-    expect_same({-uplift, -reaction}, run(MOVLOAD_RK_TRUSS, BRIDGE_BEARING(2, 1), 1, mv_case));
+    expect_same({-uplift, -reaction}, run(MOVLOAD_RK_TRUSS, BRIDGE_BEARING(2, 1), 1, mv_case), 1e-5);
   }
-  const auto expect_near_to = [&](double max, double min, const std::pair<double, double>& got) {
-    EXPECT_NEAR(got.first, max, 1e-5 * max);
-    EXPECT_NEAR(got.second, min, -1e-5 * min);
-  };
-  const int shear = BEAM_FORCE_ITEM(BEAM_MIDDLE, BEAM_SHEAR);
-  expect_near_to(136.7845, -142.7459, run(MOVLOAD_RK_BEAM, BRIDGE_BEAM(2, 3), shear, BRIDGE_CASE_HA));
-  expect_near_to(376.8133, -412.1292, run(MOVLOAD_RK_BEAM, BRIDGE_BEAM(2, 3), shear, BRIDGE_CASE_HB_ANY));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -15,6 +16,12 @@ namespace host {
 using RECORD = std::vector<std::int32_t>;
 
 inline const RECORD NOTHING_GOVERNS = {0, 0, 0, 0, 0, 0, 0, 0, 1, 0};
+inline constexpr std::int32_t FULL_SCALE = 10000000;
+
+/// Within what some tens of additions in single precision may be off by.
+inline void EXPECT_CLOSE(double expected, double got, double relative = 5e-6) {
+  EXPECT_NEAR(got, expected, relative * std::fabs(expected));
+}
 
 /// The pairs (start, end) of a lane, all 100 of them, of which the first are given.
 inline std::vector<float> PAIRS(std::vector<float> first) {

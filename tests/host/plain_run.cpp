@@ -5,7 +5,6 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <set>
@@ -72,17 +71,10 @@ struct FILED {
   int KEL_POINT = 0;
 };
 
-/// What a lane shows of a combination: the lane's record, then those of two planes.
-struct SHOWN {
-  std::array<std::vector<int>, 3> RECORDS, NUMBERS;
-  int PASS = 0;
-};
-
-/// The best combination of a side.
+/// The best combination of a side; none where no combination has a value beyond 0.
 struct BEST {
   float PEAK = 0;
-  int COMB_CLASS = 0;
-  std::vector<SHOWN> LANES;  // empty where no combination has a value beyond 0
+  const T_COMBINATION* COMBINATION = nullptr;
 };
 
 /// The host's arrays of a side: of the lane, and of two planes.
@@ -150,7 +142,6 @@ class JUDGE {
     clear();
     std::array<BEST, 2> best;
     find_lane_vehicles();
-    if (kind_ == MOVLOAD_RK_TRUSS && fetch({1})) list_sets();
     if (has_routine() && fetch(VALUES_OF(kind_, item_))) {
       for (int lane = 1; lane <= lanes(); ++lane) lines_.push_back(lines_of(lane));
       best = combine(mv_case);
@@ -159,7 +150,7 @@ class JUDGE {
     }
     // Every pass goes over all lanes before the next begins.
     for (const std::size_t side : {0U, 1U}) {
-      hand_over(best[side], sides_[side]);
+      hand_over(best[side], side);
       for (int lane = ordinary() + 1; lane <= lanes(); ++lane) fold(lane, sides_[side]);
       check(sides_[side]);
       for (int lane = 1; lane <= lanes(); ++lane) trim(lane, sides_[side]);
@@ -470,43 +461,6 @@ class JUDGE {
     return rows;
   }
 
-  /// What a truss run leaves on unit 78: the sets of each class with definitions on a straddle lane whose
-  /// axles run on other lanes too, with the first item for ordinates.
-  void list_sets() {
-    const auto field = [](const std::string& number, std::size_t width) {
-      return number.size() > width ? std::string(width, '*')
-                                   : std::string(width - number.size(), ' ') + number;
-    };
-    const auto real = [&](float value, std::size_t width) {
-      std::array<char, 64> number{};
-      std::snprintf(number.data(), number.size(), "%.4f", static_cast<double>(value));
-      return field(number.data(), width);
-    };
-    std::set<std::pair<int, int>> done;
-    for (int lane = ordinary() + 1; lane <= lanes(); ++lane) {
-      const ROW x = positions(entry(model_.lanes, lane));
-      for (const VEHICLE& vehicle : vehicles_) {
-        const int its_class = vehicle.VEH_CLASS, planes = planes_of(lane);
-        if (!lane_vehicle_.contains({lane, &vehicle}) || !class_use_.contains({lane, its_class})) continue;
-        const std::set<int> named = named_lanes(axle_lanes(its_class, lane));
-        const bool has_sets = !named.empty() && definition_number(its_class, lane) > 0;
-        if (!has_sets || !done.insert({lane, its_class}).second) continue;
-        std::vector<int> sets(named.begin(), named.end());
-        sets.insert(sets.begin(), lane);
-        met_.LISTED += "FMT_MT_MULTI,NUM_SUB_LANE,N_MULTI_INFL=" + field(std::to_string(planes), 7) +
-                       field(std::to_string(sets.size()), 7) + '\n';
-        for (const int set : sets) {
-          const PLANES rows = defined_rows(definition_number(its_class, set), set, planes);
-          for (int i = 1; i <= count(x); ++i) {
-            met_.LISTED += field(std::to_string(i), 5) + real(entry(x, i), 10);
-            for (const ORDINATES& plane : rows) met_.LISTED += real(entry(plane.BEFORE, i), 13);
-            met_.LISTED += '\n';
-          }
-        }
-      }
-    }
-  }
-
   /// What is filed for a lane code: by the first column of its class that serves the lane.
   const std::array<FILED, 2>& filed(int lane, int its_class, int sub_case) {
     const auto [place, is_new] = filed_.try_emplace({lane, its_class, sub_case});
@@ -520,60 +474,69 @@ class JUDGE {
     return place->second;
   }
 
+  /// Calls visit(lane, class, sub-case, scale) for every lane with a load and each column of its class.
+  template <class VISIT>
+  void each_load(const T_COMBINATION& combination, VISIT visit) const {
+    for (int lane = 1; lane <= lanes(); ++lane) {
+      const T_LANE_LOAD load = load_on(combination, lane);
+      const auto scale = static_cast<float>(load.scale);
+      if (load.code == 0 || scale == 0) continue;
+      const int sub_case = (load.code - 1) % CODES_PER_CLASS + 1;
+      const int its_class = (load.code - sub_case) / CODES_PER_CLASS + 1;
+      for (const VEHICLE& vehicle : vehicles_)
+        if (vehicle.VEH_CLASS == its_class && lane_vehicle_.contains({lane, &vehicle}))
+          visit(lane, its_class, sub_case, scale);
+    }
+  }
+
   std::array<BEST, 2> combine(std::int32_t mv_case) {
     std::array<BEST, 2> best;
     if (mv_case < 1 || mv_case > count(model_.moving_load_cases)) return best;
     for (const T_COMBINATION& combination : entry(model_.moving_load_cases, mv_case).combinations) {
-      for (const std::size_t side : {0U, 1U}) {
-        BEST candidate;
-        candidate.LANES.resize(model_.lanes.size());
-        for (int lane = 1; lane <= lanes(); ++lane) {
-          const T_LANE_LOAD load = load_on(combination, lane);
-          const auto scale = static_cast<float>(load.scale);
-          if (load.code == 0 || scale == 0) continue;
-          const int sub_case = (load.code - 1) % CODES_PER_CLASS + 1;
-          const int its_class = (load.code - sub_case) / CODES_PER_CLASS + 1;
-          for (const VEHICLE& vehicle : vehicles_) {
-            if (vehicle.VEH_CLASS != its_class || !lane_vehicle_.contains({lane, &vehicle})) continue;
-            const FILED& loading = filed(lane, its_class, sub_case)[side];
-            candidate.PEAK += loading.FOUND.VALUE * scale;
-            candidate.COMB_CLASS = its_class;
-            show(loading, truncated(scale * 1e7F), sub_case == STRADDLE_THIRD,
-                 candidate.LANES[static_cast<std::size_t>(lane) - 1]);
-          }
-        }
-        const bool better = side == 0 ? candidate.PEAK > best[side].PEAK : best[side].PEAK > candidate.PEAK;
-        if (better) best[side] = candidate;
-      }
+      std::array<float, 2> sums{};
+      each_load(combination, [&](int lane, int its_class, int sub_case, float scale) {
+        for (const std::size_t side : {0U, 1U})
+          sums[side] += filed(lane, its_class, sub_case)[side].FOUND.VALUE * scale;
+      });
+      if (sums[0] > best[0].PEAK) best[0] = {sums[0], &combination};
+      if (best[1].PEAK > sums[1]) best[1] = {sums[1], &combination};
     }
     return best;
   }
 
-  static void show(const FILED& loading, int factor, bool by_plane, SHOWN& shown) {
-    shown.PASS = loading.FOUND.PASS_REC;
-    for (std::size_t plane = 0; plane < (by_plane ? 2 : 1); ++plane) {
-      const HB_PART& part = loading.FOUND.PARTS[plane];
-      const std::size_t record = by_plane ? plane + 1 : 0;
-      shown.RECORDS[record] = {0,      part.W_MILLI, part.LOADED_COUNT, part.HB_TYPE, part.HB_POSITION,
-                               factor, part.HB_CODE, loading.KEL_POINT};
-      shown.NUMBERS[record] = part.NUMBERS;
-    }
-  }
-
-  void hand_over(const BEST& best, SIDE& side) {
+  void hand_over(const BEST& best, std::size_t at) {
+    SIDE& side = sides_[at];
+    int last_class = 0;
     for (int lane = 1; lane <= lanes(); ++lane) {
-      const SHOWN shown = best.LANES.empty() ? SHOWN{} : entry(best.LANES, lane);
-      side.pass(lane) = shown.PASS;
+      side.pass(lane) = 0;
       for (const std::size_t i : {0U, 1U, 2U}) {
-        int* const record = &(*side.RECORDS[i])(1, lane);
-        int* const numbers = &(*side.NUMBERS[i])(1, lane);
-        std::fill_n(record, FIELDS, 0);
-        std::fill_n(numbers, NUMBERS_USED, 0);
-        std::ranges::copy(shown.RECORDS[i], record);
-        std::ranges::copy(shown.NUMBERS[i], numbers);
-        *record = best.COMB_CLASS;
+        std::fill_n(&(*side.RECORDS[i])(1, lane), FIELDS, 0);
+        std::fill_n(&(*side.NUMBERS[i])(1, lane), NUMBERS_USED, 0);
       }
     }
+    if (best.COMBINATION == nullptr) return;
+    each_load(*best.COMBINATION, [&](int lane, int its_class, int sub_case, float scale) {
+      const FILED& loading = filed(lane, its_class, sub_case)[at];
+      last_class = its_class;
+      side.pass(lane) = loading.FOUND.PASS_REC;
+      const bool by_plane = sub_case == STRADDLE_THIRD;
+      for (std::size_t plane = 0; plane < (by_plane ? 2U : 1U); ++plane) {
+        const HB_PART& part = loading.FOUND.PARTS[plane];
+        const std::size_t record = by_plane ? plane + 1 : 0;
+        const std::array<int, 8> fields{0,
+                                        part.W_MILLI,
+                                        part.LOADED_COUNT,
+                                        part.HB_TYPE,
+                                        part.HB_POSITION,
+                                        truncated(scale * 1e7F),
+                                        part.HB_CODE,
+                                        loading.KEL_POINT};
+        std::ranges::copy(fields, &(*side.RECORDS[record])(1, lane));
+        std::ranges::copy(part.NUMBERS, &(*side.NUMBERS[record])(1, lane));
+      }
+    });
+    for (int lane = 1; lane <= lanes(); ++lane)
+      for (auto* const records : side.RECORDS) (*records)(VEHI_NO, lane) = last_class;
   }
 
   /// Where both planes of a straddle lane carry HA, their records take the place of the parents'.

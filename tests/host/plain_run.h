@@ -15,7 +15,6 @@ namespace plain {
 /// What a run met and doesn't show in the host's arrays. Runs add to it.
 struct MET {
   std::string PRINTED;          // on standard output
-  std::string LISTED;           // on unit 78
   int SETS_OF_OTHER_LANES = 0;  // under the axles of an HB
   int MERGED_LISTS = 0;         // lists of a lane's ranges with some that an HB joined
   int SPLIT_RANGES = 0;

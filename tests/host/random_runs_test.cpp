@@ -5,10 +5,7 @@
 #include <climits>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
-#include <random>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -19,6 +16,7 @@
 #include "tests/host/host_call.h"
 #include "tests/host/plain_run.h"
 #include "tests/host/result_items.h"
+#include "tests/random.h"
 #include "tests/temporary_directory.h"
 
 namespace {
@@ -30,22 +28,6 @@ using modelkit::T_RESPONSE;
 constexpr std::uint64_t N_MODELS = 600;
 constexpr int REQUESTS = 16;          // of a model
 constexpr std::uint64_t CHOPPY = 50;  // one model in so many has lists of ranges beyond their limits
-
-class RANDOM {
- public:
-  explicit RANDOM(std::uint64_t seed) : ENGINE(seed) {}
-
-  int between(int low, int high) {
-    return low + static_cast<int>(ENGINE() % static_cast<std::uint64_t>(high - low + 1));
-  }
-  bool one_in(int count) { return between(1, count) == 1; }
-  template <class T>
-  T one_of(const std::vector<T>& list) {
-    return list.at(static_cast<std::size_t>(between(0, static_cast<int>(list.size()) - 1)));
-  }
-
-  std::mt19937_64 ENGINE;
-};
 
 int greatest_class(const T_MODEL& model) {
   int greatest = 0;
@@ -217,7 +199,7 @@ T_MODEL model_of(std::uint64_t seed, RANDOM& random) {
     options.other_sub_cases = seed % 4 == 1 ? 1.0 : 0.0;
     options.responses_of_all_kinds = false;
   }
-  T_MODEL model = modelkit::RANDOM_MODEL(random.ENGINE, options);
+  T_MODEL model = modelkit::RANDOM_MODEL(random.engine, options);
   if (is_choppy) make_choppy(model, seed % 4 == 1);
   if (random.one_in(4)) return model;
   if (random.one_in(12)) shift_classes(model, random.one_of<int>({1, 99}));
@@ -314,17 +296,11 @@ host::ARGUMENTS answered(const std::string& base, int lanes, const T_FILE_FORM& 
   return host::RUN(lanes, base, form.analysis_code, asked.KIND, asked.ID, asked.ITEM, asked.MV_CASE);
 }
 
-std::string listed() {
-  std::ifstream file("fort.78", std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(random_runs, every_array_of_the_host_equals_the_plain_steps) {
   // Unit 78 is opened in the working directory and stays open.
   static const TEMPORARY_DIRECTORY working_directory;
   const std::filesystem::path folder = std::filesystem::current_path();
   std::filesystem::current_path(std::filesystem::path(working_directory.NAME()).parent_path());
-  const std::size_t listed_before = listed().size();
   SEEN seen;
   plain::MET met;
   std::vector<std::string> differences;
@@ -353,8 +329,6 @@ TEST(random_runs, every_array_of_the_host_equals_the_plain_steps) {
     }
   }
   EXPECT_EQ(testing::internal::GetCapturedStdout(), met.PRINTED);
-  EXPECT_TRUE(listed().substr(listed_before) == met.LISTED);
-  EXPECT_GT(met.LISTED.size(), 5000U);
   std::filesystem::current_path(folder);
   EXPECT_EQ(differences, std::vector<std::string>{});
   for (const auto& [what, times] : seen.COUNTS)
@@ -374,7 +348,7 @@ void expect_as_judged(const T_MODEL& model, const REQUEST& request) {
 
 TEST(small_models, a_model_may_lack_cases_combinations_vehicles_points_or_lanes) {
   RANDOM random(1);
-  const T_MODEL whole = modelkit::RANDOM_MODEL(random.ENGINE);
+  const T_MODEL whole = modelkit::RANDOM_MODEL(random.engine);
   using CHANGE = void (*)(T_MODEL&);
   for (const CHANGE change : std::initializer_list<CHANGE>{
            [](T_MODEL&) {}, [](T_MODEL& m) { m.moving_load_cases[0].combinations.clear(); },
@@ -392,7 +366,7 @@ TEST(small_models, a_model_may_lack_cases_combinations_vehicles_points_or_lanes)
 
 TEST(small_models, kinds_with_nothing_to_search_leave_both_values_alone) {
   RANDOM random(1);
-  const T_MODEL model = modelkit::RANDOM_MODEL(random.ENGINE);
+  const T_MODEL model = modelkit::RANDOM_MODEL(random.engine);
   for (const int kind : {-1, 0, 7, 8, 9, 11, 15, 17, INT_MAX, INT_MIN})
     expect_as_judged(model, {.KIND = kind, .ID = 1, .ITEM = 1, .MV_CASE = 1});
   // Beyond the components of a beam not even the frame runs: NUM_LANE and all arrays stay.

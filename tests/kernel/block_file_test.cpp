@@ -96,15 +96,6 @@ TEST_F(record_file, offsets_beyond_4_GB_are_reached) {
   }
 }
 
-TEST(block_names, the_analysis_code_chooses_the_extension) {
-  // clang-format off
-  for (const auto& [code, name] :
-       {std::pair{0, "b.ZA3"}, {1, "b.YA3"}, {2, "b.XA3"}, {3, "b.WA3"}, {4, "b.ZAX3"}, {101, "b.YA3"},
-        {5, ""}, {-1, ""}, {100, ""}})
-    // clang-format on
-    EXPECT_EQ(MAKE_BLOCK_FILE_NAME("b", code), name);
-}
-
 /// Both directory versions, each searched by its own lookup.
 class directory : public testing::TestWithParam<bool> {
  protected:

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <tuple>
 
 #include "kernel/driver.h"
 #include "modelkit/model_writer.h"
@@ -20,27 +21,17 @@ void* scarce_memory(std::size_t bytes) {
   return fails ? nullptr : std::malloc(bytes);
 }
 
-/// An envelope as plain numbers, reals by their bits.
-std::vector<std::int64_t> numbers_of(const T_ENVELOPE& envelope) {
-  std::vector<std::int64_t> numbers{envelope.SEARCHED, std::bit_cast<std::int64_t>(envelope.FINAL_MAX),
-                                    std::bit_cast<std::int64_t>(envelope.FINAL_MIN)};
-  const auto add = [&](const auto& list) {
-    numbers.push_back(std::ssize(list));
-    numbers.insert(numbers.end(), list.begin(), list.end());
-  };
-  for (const SIDE side : {MAX_SIDE, MIN_SIDE}) {
-    for (const T_LANE_LOADING& loading : envelope.LANES[side]) {
-      numbers.push_back(loading.PASS_OUT);
-      add(loading.MLOAD);
-      add(loading.INFL_S);
-      for (const T_RECORD& record : loading.MLOADB) add(record);
-      for (const T_RANGE_NUMBERS& ranges : loading.INFL_SB) add(ranges);
+/// What of an envelope comes from combinations.
+using T_ANSWER = std::tuple<double, double, std::vector<T_RECORD>, std::vector<T_RANGE_NUMBERS>>;
+T_ANSWER answer_of(const T_ENVELOPE& envelope) {
+  T_ANSWER answer{envelope.FINAL_MAX, envelope.FINAL_MIN, {}, {}};
+  for (const auto& lanes : envelope.LANES) {
+    for (const T_LANE_LOADING& loading : lanes) {
+      std::get<2>(answer).push_back(loading.MLOAD);
+      std::get<3>(answer).push_back(loading.INFL_S);
     }
-    for (const search::T_RANGE_DISTANCES& ranges : envelope.DISTANCE_RANGE[side])
-      for (const auto& pair : ranges.PAIRS)
-        for (const real end : pair) numbers.push_back(std::bit_cast<std::int32_t>(end));
   }
-  return numbers;
+  return answer;
 }
 
 TEST(combinations, on_disk_they_give_the_same_envelopes_as_in_memory) {
@@ -53,7 +44,7 @@ TEST(combinations, on_disk_they_give_the_same_envelopes_as_in_memory) {
     T_REQUEST request;
     request.FILE_NAME = modelkit::WRITE_MODEL(written, files.NAME("model")).path;
     request.RESULT_ITEM = 1 + i % 6;
-    std::vector<std::vector<std::int64_t>> in_memory;
+    std::vector<T_ANSWER> in_memory;
     for (const COMBINATION_MEMORY memory : {COMBINATION_MEMORY_OF_PROCESS, scarce_memory<true, false>,
                                             scarce_memory<false, true>, scarce_memory<true, true>}) {
       RECORD_FILE unit;
@@ -61,7 +52,7 @@ TEST(combinations, on_disk_they_give_the_same_envelopes_as_in_memory) {
       requests_for_memory = 0;
       ASSERT_TRUE(READ_MODEL(unit, request, 1000, model, memory).OK());
       ASSERT_EQ(model.COMBINATIONS.ON_DISK_MVLC(), memory != COMBINATION_MEMORY_OF_PROCESS);
-      std::vector<std::vector<std::int64_t>> answers;
+      std::vector<T_ANSWER> answers;
       for (const auto& [kind, responses] :
            {std::pair{RK_DISP, &written.disp}, {RK_REAC, &written.reac}, {RK_SIMB, &written.simb}}) {
         request.RESULT_KIND = kind;
@@ -71,7 +62,7 @@ TEST(combinations, on_disk_they_give_the_same_envelopes_as_in_memory) {
           T_ENVELOPE envelope(model.COUNTS.NUM_LANE);
           ASSERT_TRUE(RUN_LANE_ANALYSIS(model, request, unit, envelope).OK());
           loaded += envelope.FINAL_MAX > 0 ? 1 : 0;
-          answers.push_back(numbers_of(envelope));
+          answers.push_back(answer_of(envelope));
         }
       }
       if (in_memory.empty()) in_memory = answers;

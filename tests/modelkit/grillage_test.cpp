@@ -57,7 +57,7 @@ TEST(grillage, a_simply_supported_beam_deflects_by_PL3_over_48EI) {
   constexpr double LENGTH = 12.0;
   T_GRILLAGE beam = straight_beam(LENGTH, 4);
   beam.supports = {forked(1), pinned(5)};
-  const T_GRILLAGE_RESPONSES answer = SOLVE_GRILLAGE(beam, {3, 2});
+  const T_GRILLAGE_RESPONSES answer = SOLVE_GRILLAGE(beam, {3, 2, 5});
 
   EXPECT_NEAR(answer.DISPLACEMENT(1, 3, GRILLAGE_W), std::pow(LENGTH, 3) / (48.0 * EI), 1e-12);
   EXPECT_NEAR(answer.DISPLACEMENT(1, 1, GRILLAGE_ROTATION_Y), -LENGTH * LENGTH / (16.0 * EI), 1e-12)
@@ -69,29 +69,15 @@ TEST(grillage, a_simply_supported_beam_deflects_by_PL3_over_48EI) {
   // Quarter point: M = P a b / L.
   EXPECT_NEAR(answer.END_FORCES(2, 1).moment, 3.0 * 9.0 / 12.0, 1e-9);
   EXPECT_NEAR(answer.REACTION(2, 1), 0.75, 1e-9);
-}
 
-TEST(grillage, a_load_that_passes_a_section_changes_the_shear_of_the_beam_by_1) {
-  T_GRILLAGE beam = straight_beam(12.0, 4);
-  beam.supports = {forked(1), pinned(5)};
-  const T_GRILLAGE_RESPONSES answer = SOLVE_GRILLAGE(beam, {3, 1});
-  const std::array<int, 4> members = {1, 2, 3, 4};
-  struct T_CASE {
-    double part, before, behind, moment;
-  };
-  for (const auto& [part, before, behind, moment] : {T_CASE{0.0, 0.5, 0.5, 0.0},
-                                                     {0.125, 0.5, 0.5, 0.75},
-                                                     {0.25, 0.5, 0.5, 1.5},
-                                                     {0.5, -0.5, 0.5, 3.0},
-                                                     {0.625, -0.5, -0.5, 2.25},
-                                                     {1.0, -0.5, -0.5, 0.0}}) {
-    const T_BEAM_SECTION section = answer.BEAM_FORCES(1, members, part);
-    EXPECT_NEAR(section.load_before.shear, before, 1e-9) << part;
-    EXPECT_NEAR(section.load_behind.shear, behind, 1e-9) << part;
-    EXPECT_NEAR(section.load_before.moment, moment, 1e-9) << part;
-    EXPECT_EQ(section.load_before.moment, section.load_behind.moment);
-  }
-  EXPECT_NEAR(answer.BEAM_FORCES(2, members, 0.0).load_behind.shear, 0.0, 1e-9);
+  // Inside a member, on the loaded node, which changes the shear by 1, and under a load on the support.
+  constexpr std::array MEMBERS{1, 2, 3, 4};
+  EXPECT_NEAR(answer.BEAM_FORCES(1, MEMBERS, 0.125).load_behind.moment, 0.75, 1e-9);
+  const T_BEAM_SECTION middle = answer.BEAM_FORCES(1, MEMBERS, 0.5);
+  EXPECT_NEAR(middle.load_before.shear, -0.5, 1e-9);
+  EXPECT_NEAR(middle.load_behind.shear, 0.5, 1e-9);
+  EXPECT_NEAR(middle.load_before.moment, LENGTH / 4.0, 1e-9);
+  EXPECT_NEAR(answer.BEAM_FORCES(3, MEMBERS, 1.0).load_before.shear, 0.0, 1e-9);
 }
 
 TEST(grillage, an_outrigger_twists_a_cantilever_by_TL_over_GJ) {
@@ -142,24 +128,18 @@ TEST(grillage, a_skew_deck_is_in_equilibrium_and_obeys_Maxwell) {
   }
 }
 
-std::string what_fails(const T_GRILLAGE& grillage) {
-  try {
-    SOLVE_GRILLAGE(grillage, {1});
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-  return {};
-}
-
-TEST(grillage, a_mechanism_and_wrong_references_are_reported) {
-  T_GRILLAGE seesaw = straight_beam(4.0, 2);
-  seesaw.supports = {pinned(2)};
-  EXPECT_NE(what_fails(seesaw).find("mechanism"), std::string::npos);
-
+TEST(grillage, a_mechanism_is_told_with_its_node_and_the_way_it_moves) {
+  const auto what_fails = [](const T_GRILLAGE& grillage) -> std::string {
+    try {
+      SOLVE_GRILLAGE(grillage, {1});
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return {};
+  };
   T_GRILLAGE rolling = straight_beam(4.0, 2);
   rolling.supports = {pinned(1), pinned(3)};  // nothing holds its twist
   EXPECT_NE(what_fails(rolling).find("rotation about x"), std::string::npos);
-
   T_GRILLAGE loose = skew_deck();
   loose.nodes.push_back({.x = 50.0, .y = 50.0});
   EXPECT_NE(what_fails(loose).find("node 13"), std::string::npos);

@@ -24,14 +24,9 @@ std::string contradiction(const plain::HB_TASK& task, int& narrow) {
   static T_INTENSITY_BOUNDS intensity;
   static T_HA_BOUNDS bounds;
   static T_RANGE_WORK work;
-  const plain::ORDINATES& rows = task.SETS[0][1];
-  const plain::LINE own{task.JUMP_LAYOUT, task.TWO_COLUMNS, {task.X}, {rows.BEFORE}, {rows.AFTER}};
+  const plain::LINE own = OWN_LINE(task);
   const T_LINE line = VIEW(own);
-  T_VEHICLE_PARAMETERS vehicle;
-  vehicle.HA_CURVE = {task.CURVE.W0, task.CURVE.K, task.CURVE.WMIN, task.CURVE.P, task.CURVE.L0};
-  vehicle.HB_S = task.HB_S;
-  vehicle.HB_B = task.HB_B;
-  vehicle.HB_STEP = task.HB_STEP;
+  const T_VEHICLE_PARAMETERS vehicle = VEHICLE_OF(task);
   const T_OFFSETS offsets(vehicle);
   if (line.n < 2 || !offsets.ARE_IN_ORDER() || offsets.LENGTH(1) < 1) return {};
   if (!intensity.PREPARE(vehicle.HA_CURVE, 0.9, 2000)) return {};

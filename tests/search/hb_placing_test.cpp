@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <tuple>
 #include <vector>
 
 #include "tests/search/random_lines.h"
@@ -38,68 +36,6 @@ T_SEARCH_RESULT search_hb(HB_SEARCH* form, const plain::HB_TASK& task) {
 bool is_empty(const T_SIDE_RESULT& side) {
   return side.VALUE == 0 && side.PASS_REC == 0 && side.HB_REC.HB_TYPE == 0 && side.HB_REC.HB_POSITION == 0 &&
          side.HB_REC.W_MILLI == 0 && side.HB_REC.LOADED_COUNT == 0;
-}
-
-// The moment at the middle of a simply supported span of 40, which stands from 80 to 120 in a lane of 200: a
-// triangle of height 10 at 100 that falls by 0.5 a metre. With two axles on either side of its peak, wherever
-// they stand, the ordinates sum to 40 less the distance T = 1.8 + HB_B of two corresponding axles. On points
-// every 10, near end and axles of the best placings:
-//
-//   HB_B 6   70   95 and 96.8   7.5 + 8.4   102.8 and 104.6   8.6 + 7.7   = 32.2
-//   HB_B 11  70   95 and 96.8   7.5 + 8.4   107.8 and 109.6   6.1 + 5.2   = 27.2
-//   HB_B 21  50   75 and 76.8   0           97.8 and 99.6     8.9 + 9.8   = 18.7, more than two and two: 17.2
-//   HB_B 26  50   75 and 76.8   0           102.8 and 104.6   8.6 + 7.7   = 16.3
-plain::HB_TASK span_of_40() {
-  VALUES x;
-  for (int i = 0; i <= 20; ++i) x.push_back(10.0F * static_cast<float>(i));
-  VALUES y(21);
-  y[9] = y[11] = 5;
-  y[10] = 10;
-  plain::HB_TASK task = task_on(x, {y});
-  task.CURVE = {30, 151, 9, 0.475F, 30};
-  task.HB_LOAD = 450;
-  task.HB_S = 1.8F;
-  return task;
-}
-
-TEST(hb_placing, each_length_of_the_vehicle_finds_its_place_on_a_simple_span) {
-  for (const auto& [HB_B, sum, position] :
-       {std::tuple{6.0F, 32.2F, 8}, {11.0F, 27.2F, 8}, {21.0F, 18.7F, 6}, {26.0F, 16.3F, 6}}) {
-    plain::HB_TASK task = span_of_40();
-    task.HB_B = HB_B;
-    const auto result = search_hb(HB_LANE, task);
-    EXPECT_NEAR(result[MAX_SIDE].VALUE, 450 * sum, 0.02F);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, position);
-  }
-}
-
-TEST(hb_placing, shortest_of_five_types_governs_midspan_and_no_udl_is_left_on_the_span) {
-  plain::HB_TASK task = span_of_40();
-  task.HB_B = 6;
-  task.HB_STEP = 5;
-  // The reverse pass finds the same on a symmetric lane, and the forward pass was first.
-  for (const auto& [direction, pass, position] : {std::array{0, 1, 8}, {1, 2, 21 - 8 + 1}, {2, 1, 8}}) {
-    task.LANE_DIRECTION = direction;
-    const auto result = search_hb(HB_LANE, task);
-    EXPECT_NEAR(result[MAX_SIDE].VALUE, 14490, 0.02F);
-    EXPECT_EQ(result[MAX_SIDE].PASS_REC, pass);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, position);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_TYPE, 1);
-    EXPECT_EQ(result[MAX_SIDE].HB_REC.LOADED_COUNT, 0);
-    EXPECT_TRUE(is_empty(result[MIN_SIDE]));
-  }
-}
-
-TEST(hb_placing, a_lane_as_long_as_the_zone_takes_one_placement_and_a_shorter_one_none) {
-  const auto result = search_hb(HB_LANE, task_on({0, 30, 60}, {{1, 1, 1}}));
-  EXPECT_FLOAT_EQ(result[MAX_SIDE].VALUE, 40);
-  EXPECT_EQ(result[MAX_SIDE].HB_REC.HB_POSITION, 1);
-  EXPECT_EQ(result[MAX_SIDE].HB_REC.LOADED_COUNT, 0);
-  for (const int direction : {0, 1, 2}) {
-    plain::HB_TASK task = task_on({0, 30, 59.999F}, {{1, 1, 1}});
-    task.LANE_DIRECTION = direction;
-    for (const auto& side : search_hb(HB_LANE, task)) EXPECT_TRUE(is_empty(side));
-  }
 }
 
 TEST(hb_placing, types_end_with_the_first_that_does_not_fit) {
@@ -138,16 +74,6 @@ TEST(hb_placing, a_total_below_zero_never_enters_the_maximum) {
   EXPECT_EQ(result[MAX_SIDE].HB_REC.W_MILLI, 1000);
   EXPECT_EQ(result[MAX_SIDE].INFL_REC, NUMBERS{1});
   EXPECT_FLOAT_EQ(result[MIN_SIDE].VALUE, -41);
-}
-
-TEST(hb_placing, an_axle_on_a_jump_counts_with_its_worse_side) {
-  // Axle 4 on 1, axle 3 on a jump from 3 to -5, the others on 0.
-  plain::HB_TASK task = task_on({0, 25, 27, 33, 35, 60}, {{0, 1, 3, 0, 0, 0}});
-  task.SETS[0][0].AFTER[2] = -5;
-  task.JUMP_LAYOUT = task.TWO_COLUMNS = true;
-  const auto result = search_hb(HB_LANE_JUMP, task);
-  EXPECT_EQ(result[MAX_SIDE].VALUE, 40);
-  EXPECT_EQ(result[MIN_SIDE].VALUE, -40);
 }
 
 TEST(hb_placing, axles_run_on_other_lanes_and_the_udl_stays) {

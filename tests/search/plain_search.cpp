@@ -87,22 +87,8 @@ struct CUTTING {
   }
 };
 
-}  // namespace
-
-CUT CUT_RANGES(const LINE& line) {
-  CUTTING cutting;
-  for (int i = 1; i <= line.n() - 1; ++i) {
-    const float dx = line.X(i + 1) - line.X(i);
-    if (!line.JUMP_LAYOUT && dx == 0) continue;
-    const float a = line.AFTER(i);
-    const float b = line.BEFORE(i + 1);
-    cutting.segment(dx, a, b);
-    if (line.JUMP_LAYOUT) cutting.jump(a, b, line.TWO_COLUMNS ? line.AFTER(i + 1) : 0.0F);
-  }
-  return cutting.end();
-}
-
-CUT CUT_RANGES(const LINE& line, const ZONE_PLACE& zone) {
+/// A zone at no points, as it is by default, leaves the lane whole.
+CUT cut_ranges(const LINE& line, const ZONE_PLACE& zone, bool closes_at_jumps) {
   const bool near_inside = zone.NEAR_FRACTION != 0;  // NEAR_END stands inside segment NEAR_INDEX - 1
   const bool same_segment = near_inside && zone.FAR_INDEX == zone.NEAR_INDEX - 1;
   CUTTING cutting;
@@ -131,8 +117,18 @@ CUT CUT_RANGES(const LINE& line, const ZONE_PLACE& zone) {
     if (is_cut) continue;
     if (i == zone.NEAR_INDEX && !same_segment) continue;
     cutting.segment(dx, a, b);
+    if (closes_at_jumps) cutting.jump(a, b, line.TWO_COLUMNS ? line.AFTER(i + 1) : 0.0F);
   }
   return cutting.end();
+}
+
+}  // namespace
+
+CUT CUT_RANGES(const LINE& line) {
+  return cut_ranges(line, {}, line.JUMP_LAYOUT);
+}
+CUT CUT_RANGES(const LINE& line, const ZONE_PLACE& zone) {
+  return cut_ranges(line, zone, false);
 }
 
 void SORT_RANGE_MEANS(LIST<float>& means, LIST<int>& numbers, int mode) {

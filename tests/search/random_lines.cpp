@@ -4,6 +4,16 @@
 #include <cmath>
 #include <limits>
 
+search::T_VEHICLE_PARAMETERS VEHICLE_OF(const plain::HB_TASK& task) {
+  search::T_VEHICLE_PARAMETERS vehicle;
+  vehicle.HA_CURVE = CURVE_OF(task.CURVE);
+  vehicle.HB_LOAD = task.HB_LOAD;
+  vehicle.HB_S = task.HB_S;
+  vehicle.HB_B = task.HB_B;
+  vehicle.HB_STEP = task.HB_STEP;
+  return vehicle;
+}
+
 search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
                                   int behind, search::T_HB_WORK& work) {
   const auto n = static_cast<std::int32_t>(task.X.size());
@@ -18,12 +28,7 @@ search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK&
       }
     }
   }
-  search::T_VEHICLE_PARAMETERS vehicle;
-  vehicle.HA_CURVE = {task.CURVE.W0, task.CURVE.K, task.CURVE.WMIN, task.CURVE.P, task.CURVE.L0};
-  vehicle.HB_LOAD = task.HB_LOAD;
-  vehicle.HB_S = task.HB_S;
-  vehicle.HB_B = task.HB_B;
-  vehicle.HB_STEP = task.HB_STEP;
+  const search::T_VEHICLE_PARAMETERS vehicle = VEHICLE_OF(task);
   search::T_HB_INPUT input;
   input.n = n;
   input.LANE_X = TABLE<const real, POINT>(task.X.data(), {n});
@@ -40,35 +45,6 @@ search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK&
 namespace {
 
 constexpr float INFINITE = std::numeric_limits<float>::infinity();
-
-int random_count(RANDOM& random) {
-  if (random.one_in(600)) return random.between(1050, 1500);
-  if (random.one_in(100)) return random.between(200, 500);
-  if (random.one_in(8)) return random.below(4);
-  return random.between(4, 44);
-}
-
-plain::LIST<float> random_positions(RANDOM& random, int n, std::string& kind) {
-  const int form = random.one_in(100) ? 5 : random.below(5);
-  const bool repeats = random.one_in(3);
-  const int repeat_rate = random.between(2, 12);
-  const float starts[] = {0.0F, 0.0F, 1234.567F, -17.3F, 0.1F};
-  kind += "points of form " + std::to_string(form) + (repeats ? " repeated" : "");  // as below
-
-  plain::LIST<float> x;
-  float position = starts[random.below(5)];
-  while (x.count() < n) {
-    const int copies = repeats && random.one_in(repeat_rate) ? random.between(2, 4) : 1;
-    for (int copy = 1; copy <= copies && x.count() < n; ++copy) x.add(position);
-    const float dense = random.one_in(3) ? std::nextafter(position, INFINITE) : position + random.unit();
-    if (form == 0) position += 5.0F;
-    if (form == 1) position += 10.0F / 3.0F;
-    if (form == 2) position += 0.1F * static_cast<float>(random.between(1, 40));
-    if (form == 3) position += 20.0F * random.unit() + 0.001F;
-    if (form == 4) position = dense;
-  }
-  return x;
-}
 
 plain::LIST<float> random_ordinates(RANDOM& random, int n, std::string& kind) {
   // Where a line is to overflow the lists, it must change sign at every point or so.
@@ -129,61 +105,6 @@ plain::HA_CURVE random_curve(RANDOM& random) {
       {W0, 500.0F * random.unit(), 20.0F * random.unit(), 2.0F * random.unit(), L0}};
   return curves[random.below(7)];
 }
-
-/// A position on the lane: on a point, just beside it, or anywhere in a segment.
-float random_end(RANDOM& random, const plain::LIST<float>& x) {
-  const int n = x.count();
-  const int i = random.between(1, n);
-  const float within = x(i) + random.unit() * (x(i < n ? i + 1 : n) - x(i));
-  const float as_of_hb = (x(i) + 25.0F) - 25.0F;  // how the near end of an HB comes about
-  const float beside[] = {std::nextafter(x(i), INFINITE), std::nextafter(x(i), -INFINITE)};
-  const float choices[] = {x(i), beside[0], beside[1], x(1), x(n), as_of_hb, within, within, within};
-  return std::clamp(choices[random.below(9)], x(1), x(n));
-}
-
-std::vector<RANDOM_ZONE> random_zones(RANDOM& random, const plain::LIST<float>& x) {
-  std::vector<RANDOM_ZONE> zones;
-  const int n = x.count();
-  for (int k = 0; k < 4 && n >= 2; ++k) {
-    float ends[] = {random_end(random, x), random_end(random, x)};
-    if (k == 3) {  // both in one segment
-      const int i = random.between(1, n - 1);
-      for (float& end : ends) end = std::clamp(x(i) + random.unit() * (x(i + 1) - x(i)), x(1), x(n));
-    }
-    const auto [near_end, far_end] = std::minmax(ends[0], ends[1]);
-    zones.push_back({far_end, near_end, random.one_in(5) ? 30.0F * random.unit() : far_end - near_end});
-  }
-  return zones;
-}
-
-}  // namespace
-
-RANDOM_CASE MAKE_RANDOM_CASE(std::uint64_t seed) {
-  RANDOM random(seed);
-  RANDOM_CASE c;
-  const int n = random_count(random);
-  c.KIND = std::to_string(n) + " ";
-  const plain::LIST<float> x = random_positions(random, n, c.KIND);
-  const int jump_rate = random.one_in(4) ? 0 : random.between(1, 8);
-  for (int set = 0; set < 2; ++set) {
-    const plain::LIST<float> y = random_ordinates(random, n, c.KIND);
-    c.SIMPLE[set] = {false, false, x, y, y};
-    c.JUMP[set] = {true, jump_rate != 0, x, y, jump_rate == 0 ? y : with_jumps(random, y, jump_rate)};
-  }
-  if (jump_rate != 0) c.KIND += ", a jump at one in " + std::to_string(jump_rate);
-  c.CURVE = random_curve(random);
-  c.KEL_LOAD = random.one_in(4) ? 120.0F : 300.0F * random.unit();
-  c.ZONES = random_zones(random, x);
-  if (n == 0) {
-    c.PROBES = {0.0F, 1.0F};
-    return c;
-  }
-  c.PROBES = {std::nextafter(x(1), -INFINITE), std::nextafter(x(n), INFINITE), x(1), x(n)};
-  for (int k = 0; k < 12; ++k) c.PROBES.push_back(random_end(random, x));
-  return c;
-}
-
-namespace {
 
 /// Where a placing of HB type k from `x` has its axles (1 to 4) and FAR_END (0), rounded in the same way.
 float hb_end(const plain::HB_TASK& task, float x, int k, int axle) {

@@ -1,4 +1,4 @@
-// Random influence lines with what a search is given beside them, one case a seed.
+// Random lanes with what the searches are given beside them, one case a seed.
 //
 // Smooth lines and noise, and above all what breaks a search: ties, zeros, repeated points, jumps, lanes
 // without points or with more ranges than the lists hold, ends of a zone on, beside and between the points.
@@ -6,13 +6,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "search/ha_search.h"
 #include "search/hb_placing.h"
+#include "tests/random.h"
 #include "tests/search/plain_hb.h"
 #include "tests/search/plain_search.h"
 
@@ -22,6 +22,17 @@ inline search::T_LINE VIEW(const plain::LINE& line) {
     return TABLE<const real, POINT>(list.values.data(), {list.count()});
   };
   return {line.n(), table(line.X), table(line.BEFORE), table(line.AFTER), line.TWO_COLUMNS};
+}
+
+inline search::T_HA_CURVE CURVE_OF(const plain::HA_CURVE& curve) {
+  return {curve.W0, curve.K, curve.WMIN, curve.P, curve.L0};
+}
+search::T_VEHICLE_PARAMETERS VEHICLE_OF(const plain::HB_TASK& task);
+
+/// The line of plane 1 of a lane's own set.
+inline plain::LINE OWN_LINE(const plain::HB_TASK& task) {
+  const plain::ORDINATES& rows = task.SETS[0][0];
+  return {task.JUMP_LAYOUT, task.TWO_COLUMNS, {task.X}, {rows.BEFORE}, {rows.AFTER}};
 }
 
 /// Lines from literals.
@@ -36,38 +47,6 @@ inline plain::LINE JUMP_LINE(std::vector<float> x, std::vector<float> before, st
 /// own, as where another lane of the model is longer.
 search::T_SEARCH_RESULT SEARCH_HB(search::HB_SEARCH* form, const plain::HB_TASK& task, std::size_t planes,
                                   int behind, search::T_HB_WORK& work);
-
-/// Small portable random choices; the standard distributions differ between platforms.
-struct RANDOM {
-  explicit RANDOM(std::uint64_t seed) : engine(seed) {}
-
-  int below(int count) { return static_cast<int>(engine() % static_cast<std::uint64_t>(count)); }
-  int between(int low, int high) { return low + below(high - low + 1); }
-  bool one_in(int count) { return below(count) == 0; }
-  float unit() { return static_cast<float>(engine() >> 40) * 0x1p-24F; }  // 0 up to below 1
-  float noise() { return 2.0F * unit() - 1.0F; }
-
-  std::mt19937_64 engine;
-};
-
-/// The stretch of an HB, NEAR_END not above FAR_END, both on the lane.
-struct RANDOM_ZONE {
-  float FAR_END = 0;
-  float NEAR_END = 0;
-  float VEHICLE_LENGTH = 0;
-};
-
-struct RANDOM_CASE {
-  std::string KIND;       // in words, for messages
-  plain::LINE SIMPLE[2];  // two ordinate sets A and B on the same positions
-  plain::LINE JUMP[2];    // the same line with jumps, or without them and with one column
-  plain::HA_CURVE CURVE;
-  float KEL_LOAD = 0;
-  std::vector<RANDOM_ZONE> ZONES;  // none where n is below 2
-  std::vector<float> PROBES;       // positions to read the line at, some off the lane
-};
-
-RANDOM_CASE MAKE_RANDOM_CASE(std::uint64_t seed);
 
 /// A task of the HB searches in both layouts, on a lane that an HB may fit on, with 3 to 5 planes a set.
 struct RANDOM_HB_CASE {

@@ -42,16 +42,6 @@ void RECORD(std::vector<std::int32_t>& records, std::size_t lane,
                     records.begin() + static_cast<std::ptrdiff_t>((lane - 1) * MOVLOAD_RECORD_FIELDS));
 }
 
-TEST(GoverningLoading, AnHaLaneHasTheNumbersOfItsRangesAndThePlaceOfItsKnifeEdge) {
-  HOST_ARRAYS arrays(1);
-  RECORD(arrays.side.records, 1, {1, 30000, 3, 0, 0, 10000000, 0, 9, 101, 0});
-  std::ranges::copy(std::array{1, 2, 101}, arrays.side.ranges.begin());
-  const T_LANE_SIDE lane = arrays.LOADING().lanes.at(0);
-  EXPECT_EQ(lane.loading.udl->range_numbers, (std::vector{1, 2, 101}));
-  EXPECT_EQ(lane.kel->point, 9);
-  EXPECT_FALSE(lane.kel->distance);  // the lane has five points
-}
-
 /// Without the rounding of their sums.
 std::vector<float> AXLES(const T_HB& hb) {
   std::vector<float> distances;
@@ -88,19 +78,13 @@ TEST(GoverningLoading, AnHbLaneHasTypePlaceDirectionAndAxles) {
   EXPECT_EQ(AXLES(*side.lanes[0].loading.hb), (std::vector{69.6F, 67.8F, 56.8F, 55.0F}));
 }
 
-/// Lane 3 straddles lanes 1 and 2 and has three planes.
-struct STRADDLED_ARRAYS : HOST_ARRAYS {
-  STRADDLED_ARRAYS() : HOST_ARRAYS(3) {
-    lanes[2].IS_STRADDLE = true;
-    lanes[2].STRADDLE_LEFT = 1;
-    lanes[2].STRADDLE_RIGHT = 2;
-    lanes[2].N_TRANSVERSE = 3;
-    lanes[2].N_PER_PLANE = 1;
-  }
-};
-
 TEST(GoverningLoading, AStraddlingHbWithAPortionForEachParentIsToldOnceAndItsUdlOnTheParents) {
-  STRADDLED_ARRAYS arrays;
+  HOST_ARRAYS arrays(3);
+  arrays.lanes[2].IS_STRADDLE = true;
+  arrays.lanes[2].STRADDLE_LEFT = 1;
+  arrays.lanes[2].STRADDLE_RIGHT = 2;
+  arrays.lanes[2].N_TRANSVERSE = 3;  // planes
+  arrays.lanes[2].N_PER_PLANE = 1;
   RECORD(arrays.side.records, 3, {1, 0, 0, 0, 0, 0, 0, 0, 100, 0});
   RECORD(arrays.side.plane_records[0], 3, {1, 30000, 1, 1, 4, 10000000, 30011});
   RECORD(arrays.side.plane_records[1], 3, {1, 10000, 1, 1, 4, 10000000, 30010});
@@ -135,19 +119,6 @@ TEST(GoverningLoading, AStraddlingHbWithAPortionForEachParentIsToldOnceAndItsUdl
     EXPECT_DOUBLE_EQ(side.lanes[1].loading.udl->portion, 0.3333);
     EXPECT_EQ(side.lanes[1].loading.udl->range_numbers, std::vector{2});
   }
-}
-
-TEST(GoverningLoading, AStraddlingHbWithFullUdlOnBothParentsGivesThemOneListOfRanges) {
-  STRADDLED_ARRAYS arrays;
-  RECORD(arrays.side.records, 3, {1, 30000, 2, 3, 1, 10000000, 300021, 0, 103, 0});
-  std::ranges::copy(std::array{1, 2}, arrays.side.ranges.begin() + 2 * MOVLOAD_RANGE_NUMBERS);
-  const T_SIDE_LOADING side = arrays.LOADING();
-  EXPECT_EQ(side.lanes[2].loading.hb->plane, 2);
-  EXPECT_FALSE(side.lanes[2].loading.udl);
-  EXPECT_EQ(side.lanes[2].parent_portions, (std::array{1.0, 1.0}));
-  EXPECT_EQ(side.lanes[0].carries, CARRIES::UDL_BESIDE_HB);
-  EXPECT_DOUBLE_EQ(side.lanes[1].loading.udl->intensity, 30.0);
-  EXPECT_EQ(side.lanes[1].loading.udl->range_numbers, (std::vector{1, 2}));
 }
 
 }  // namespace

@@ -105,24 +105,5 @@ TEST_F(Inspection, ElementsAreThoseThatTheElementFilesHold) {
   EXPECT_EQ(walls.record_words, 133);
 }
 
-TEST_F(Inspection, ResultPointsAreThoseOfTheModel) {
-  modelkit::T_MODEL model = modelkit::SIMPLE_SPAN_MODEL();
-  const std::vector<std::vector<float>> values(6, std::vector<float>(51, 0.0F));
-  model.reac = {{.id = 17, .values = values}, {.id = 4, .values = values}};
-  model.ldisp = {{.id = 23, .values = values}};
-  modelkit::WRITE_MODEL(model, path("span"));
-  const T_INSPECTION inspection = INSPECT(FIND_MODEL_FILE(path("span"), std::nullopt), 6);
-  EXPECT_TRUE(inspection.failures.empty());
-  for (const T_RESULT_POINTS& points : inspection.results) {
-    if (points.tag == "REAC") {
-      EXPECT_EQ(points.ids, (std::vector<std::int32_t>{17, 4}));
-    }
-    if (points.tag == "LDSP") {
-      EXPECT_EQ(points.ids, std::vector<std::int32_t>{23});
-    }
-  }
-  EXPECT_EQ(inspection.results.size(), 4U);  // the span is a beam element too
-}
-
 }  // namespace
 }  // namespace tools
