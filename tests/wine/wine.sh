@@ -21,4 +21,8 @@ if [[ ! -f $WINEPREFIX/ready ]]; then
     fi
   ) 9>"$WINEPREFIX/lock"
 fi
+# Wine's server outlives its last program by some seconds: a server that ends while the next program starts fails that,
+# and starting one takes long.
+server=$(command -v wineserver64 || command -v /usr/lib/wine/wineserver64 || echo wineserver)
+"$server" -p10 >/dev/null 2>&1 || true
 exec "$wine" "$@"
