@@ -38,7 +38,7 @@ class example_bridge : public testing::Test {
   /// Value v of a beam's record, from 1.
   static const std::vector<float>& beam_value(int span, int beam, int v) {
     return bridge()
-        .model.beams[static_cast<std::size_t>(BRIDGE_BEAM(span, beam)) - 1]
+        .model.beams[static_cast<std::size_t>(BRIDGE_BEAM(span, beam) - BRIDGE_BEAM(1, 1))]
         .values[static_cast<std::size_t>(v) - 1];
   }
   /// Where a unit load stands, in m from the first abutment; loads from 0.
@@ -97,7 +97,8 @@ TEST_F(example_bridge, the_forces_of_the_beams_balance_the_bearings_before_a_sec
       double shear = is_before ? -1.0 : 0.0;
       double moment = is_before ? a - CUT : 0.0;
       for (const T_RESPONSE& truss : bridge().model.trusses) {
-        const double x = std::array{0.0, 20.0, 50.0, 70.0}[static_cast<std::size_t>((truss.id - 1) / 5)];
+        const int row = (truss.id - BRIDGE_BEARING(1, 1)) / BRIDGE_BEAMS;
+        const double x = std::array{0.0, 20.0, 50.0, 70.0}.at(static_cast<std::size_t>(row));
         if (x > CUT) continue;
         shear -= static_cast<double>(truss.values[0][load]);
         moment -= (CUT - x) * static_cast<double>(truss.values[1][load]);
