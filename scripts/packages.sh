@@ -4,10 +4,11 @@
 BUILD_PACKAGES=(cmake g++ ninja-build libcli11-dev libeigen3-dev libfmt-dev nlohmann-json3-dev)
 TEST_PACKAGES=(abigail-tools binutils libbenchmark-dev libgtest-dev pkgconf python3-numpy)
 DEB_PACKAGES=(dpkg-dev file help2man)
-CHECK_PACKAGES=(clang-format clang-tidy)
+CHECK_PACKAGES=(clang-format clang-tidy cppcheck)
 COVERAGE_PACKAGES=(gcovr)
 FUZZ_PACKAGES=(clang libclang-rt-14-dev libgtest-dev)
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64)
+MEMORY_PACKAGES=(libc6-dbg valgrind)
 
 # install_missing PACKAGE...: installs those that aren't there, and only those; silent where none is missing.
 install_missing() {

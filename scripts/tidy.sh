@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over the library's sources with the checks of .clang-tidy; any finding fails. Configures the
-# release preset for its list of compile commands, but builds nothing.
+# Runs clang-tidy over the library's sources with the checks of .clang-tidy, then scripts/cppcheck.sh; any finding
+# fails. Configures the release preset for its list of compile commands, but builds nothing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
@@ -16,3 +16,4 @@ done
 find "${folders[@]}" -name '*.cpp' -not -name '*_windows.cpp' -print0 | sort -z |
   xargs -0 -n 1 -P "$jobs" clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option \
     2> >(grep -vE '^[0-9]+ warnings? (generated|treated)|^Suppressed|^Use -' >&2)
+scripts/cppcheck.sh

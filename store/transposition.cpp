@@ -61,8 +61,8 @@ void copy_columns(const T_GROUP& group, std::int64_t first_load, std::int64_t en
                   std::int64_t row_length, float* rows) noexcept {
   for (std::size_t i = 0; i < group.COUNT; ++i) {
     float* to = rows + first_load * row_length + group.POSITION + static_cast<std::int64_t>(i);
-    for (std::int64_t load = first_load; load < end_load; ++load, to += row_length) {
-      std::memcpy(to, group.VALUES[i] + WORD_BYTES * load, sizeof *to);
+    for (std::int64_t load_number = first_load; load_number < end_load; ++load_number, to += row_length) {
+      std::memcpy(to, group.VALUES[i] + WORD_BYTES * load_number, sizeof *to);
     }
   }
 }
@@ -74,9 +74,9 @@ void copy_groups(std::span<const T_GROUP> groups, std::int64_t loads, std::int64
   for (std::int64_t first = 0; first < loads; first += BLOCK) {
     const std::int64_t end = std::min(first + BLOCK, loads);
     for (const T_GROUP& group : groups) {
-      const std::int64_t load =
+      const std::int64_t load_number =
           group.COUNT == WIDTH ? copy_squares(group, first, end, row_length, rows) : first;
-      if (load < end) copy_columns(group, load, end, row_length, rows);
+      if (load_number < end) copy_columns(group, load_number, end, row_length, rows);
     }
   }
 }

@@ -147,14 +147,15 @@ class ROW_MAKER {
 
   void make_wall() {
     constexpr std::int32_t ITEMS = 105;
-    constexpr std::int32_t FORCES = 45;  // as the library numbers them
+    constexpr std::int32_t FORCES = 30;  // components, as the library numbers them
+    constexpr std::int32_t FIRST_STRESS = 46;
     constexpr std::int32_t STRESSES = 12;
     constexpr std::array<std::int32_t, 5> FIRST_PARTS{49, 52, 58, 64, 70};  // positions, by station
     point_.row_length = stresses_ ? 132 : 72;
     for (std::int32_t item = 1; item <= ITEMS; ++item) {
       const auto [component, part] = kernel::SPLIT_WALL_ITEM(item);
       if (component > FORCES) {
-        const std::int32_t place = component - FORCES - 1;
+        const std::int32_t place = component - FIRST_STRESS;
         if (stresses_)
           point_.items.push_back({item,
                                   fmt::format("stress {} {}", place % STRESSES + 1,

@@ -7,9 +7,9 @@
 #include <limits>
 #include <map>
 
-#include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
 #include "tests/host/host_call.h"
+#include "tests/host/tiny_model.h"
 #include "tests/temporary_directory.h"
 
 #if __has_include(<sys/resource.h>) && !defined(__SANITIZE_ADDRESS__)
@@ -36,7 +36,7 @@ constexpr std::int32_t INT_TOP = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t INT_BOTTOM = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t LONG_TOP = std::numeric_limits<std::int64_t>::max();
 constexpr double INFINITE = std::numeric_limits<double>::infinity();
-constexpr int LANES = 3;
+constexpr int LANES = host::TINY_LANES;
 
 struct QUESTION {
   std::int32_t kind;
@@ -52,48 +52,6 @@ constexpr QUESTION QUESTIONS[] = {SIMB, LDSP, DISP, {2, 5, "REAC", 6}, {6, 3, "L
                                   {14, 1, "NLNK", 12}};
 // clang-format on
 
-std::vector<modelkit::T_RESPONSE> responses(std::initializer_list<std::int32_t> ids) {
-  std::vector<modelkit::T_RESPONSE> list;
-  for (const std::int32_t id : ids) {
-    list.push_back({.id = id, .values = std::vector(12, std::vector<float>(6))});
-    for (std::size_t item = 0; item < 12; ++item)
-      for (std::size_t load = 0; load < 6; ++load)
-        list.back().values[item][load] =
-            std::sin(static_cast<float>(load + 2 * item) + static_cast<float>(id));
-  }
-  return list;
-}
-
-/// Two ordinary lanes of three points and a straddle lane of three planes, with every block that a file can
-/// have. Records of LNIF: lane 1 head 1, spread row 2, points 3 to 5, extra 6; lane 2 head 7, points 8 to 10;
-/// lane 3 head 11, parents 12, points 13 to 15.
-modelkit::T_MODEL tiny_model() {
-  modelkit::T_MODEL model{.unit_loads = 6, .lanes = std::vector<modelkit::T_LANE>(LANES)};
-  for (std::int32_t point = 1; point <= 3; ++point)
-    for (std::int32_t lane = 0; lane < LANES; ++lane)
-      model.lanes[static_cast<std::size_t>(lane)].points.push_back(
-          {.x = 9.0 * point, .entries = {{.a = {.load = point + lane, .weight = 1.0}}}});
-  model.lanes[0].spread_rows = {{{.load = 4, .weight = 0.5}, {.load = 5, .weight = 0.5}}};
-  model.lanes[0].points[1].entries[0].b = {.load = -1, .weight = 1.0};
-  model.lanes[0].extra_records = 1;
-  model.lanes[2].is_straddle = true;
-  model.lanes[2].left_parent = 1;
-  model.lanes[2].right_parent = 2;
-  model.lanes[2].entries_per_point = 3;
-  model.vehicle_groups = {{.group = 1, .vehicles = {modelkit::HA_1978_VEHICLE()}}};
-  model.moving_load_cases = {{.combinations = {{{1, 1.0}, {1, 0.5}, {0, 1.0}}}},
-                             {.combinations = {{{0, 0.0}, {2, 1.0}, {4, 1.0}}}}};
-  model.class_lanes = true;
-  model.class_definitions = {{.number = 7, .lane = 1, .links = {{{{1, 0.7}}}, {{{2, 0.7}}}, {{{3, 0.7}}}}}};
-  model.axle_lists = {{.vehicle_class = 1, .lane = 3, .lanes = {1, 0, 2, 3}}};
-  model.disp = responses({2});
-  model.reac = responses({12, 5});
-  model.lrac = responses({3});
-  model.ldisp = responses({8, 4});
-  model.simb = model.elnk = model.nlnk = responses({1});
-  return model;
-}
-
 host::ARGUMENTS ask(const string& base, const QUESTION& question, int lanes = LANES, std::int32_t mode = 0) {
   return host::RUN(lanes, base, mode, question.kind, question.id, 3, 1);
 }
@@ -108,14 +66,14 @@ host::ARGUMENTS nothing_written(int lanes = LANES) {
 class damage : public testing::Test {
  protected:
   damage() {
-    modelkit::WRITE_MODEL(tiny_model(), sound_base_);
+    modelkit::WRITE_MODEL(host::TINY_MODEL(), sound_base_);
     for (const QUESTION& question : QUESTIONS)
       EXPECT_GT(sound_.insert_or_assign(question.kind, ask(sound_base_, question)).first->second.FINAL_MAX,
                 0.0);
     WRITE({});
   }
   void WRITE(const modelkit::T_FILE_FORM& form) {
-    layout_ = modelkit::WRITE_MODEL(tiny_model(), base_, form);
+    layout_ = modelkit::WRITE_MODEL(host::TINY_MODEL(), base_, form);
   }
   [[nodiscard]] const host::ARGUMENTS& SOUND(const QUESTION& question) const {
     return sound_.at(question.kind);
@@ -152,16 +110,6 @@ class damage : public testing::Test {
                 text.find("memory") == string::npos)
         << tag << ": " << text;
     EXPECT_TRUE(host::SAME(nothing_written(), got));
-  }
-  /// For damage that may leave a readable file.
-  void EXPECT_ANSWER_OR_REASON() const {
-    static const host::ARGUMENTS UNTOUCHED = nothing_written();
-    const host::ARGUMENTS got = ask(base_, SIMB);
-    const string text = movload_last_failure();
-    const bool failed = got.MODE_CODE == -1;
-    ASSERT_EQ(text.substr(0, layout_.path.size()), failed ? layout_.path : "");
-    ASSERT_TRUE(failed ? host::SAME(UNTOUCHED, got) : testing::AssertionSuccess());
-    ASSERT_EQ(got.K_MXLOAD.LANE(LANES + 1), UNTOUCHED.K_MXLOAD.LANE(LANES + 1));
   }
 
   TEMPORARY_DIRECTORY directory_;
@@ -407,46 +355,6 @@ TEST_F(damage, an_entry_without_place_and_a_directory_that_runs_in_a_circle_fail
   WRITE({.unused_groups = 2});
   PUT(21 * 28 + 16, std::int64_t{1});
   EXPECT_FAILS("block MVIF: the directory can't be read to its end");
-}
-
-TEST_F(damage, a_file_cut_anywhere_fails_or_answers_as_before) {
-  for (std::int64_t length = layout_.size; length >= 0; --length) {
-    std::filesystem::resize_file(layout_.path, static_cast<std::uintmax_t>(length));
-    const QUESTION& question = QUESTIONS[length % std::ssize(QUESTIONS)];
-    const host::ARGUMENTS got = ask(base_, question);
-    const bool failed = got.MODE_CODE == -1;
-    ASSERT_TRUE(host::SAME(failed ? nothing_written() : SOUND(question), got)) << length;
-    ASSERT_EQ(failed, movload_last_failure()[0] != '\0') << length;
-  }
-  EXPECT_TRUE(host::SAME(SOUND(SIMB), ask(sound_base_, SIMB)));  // no failure has left a file open
-}
-
-TEST_F(damage, any_altered_byte_or_word_gives_an_answer_or_a_reason) {
-  modelkit::T_MODEL model = tiny_model();
-  model.disp = model.ldisp = model.reac = model.lrac = model.elnk = model.nlnk = {};
-  for (const bool with_axle_lists : {true, false}) {  // which put class definitions out of use
-    if (!with_axle_lists) model.axle_lists.clear();
-    layout_ = modelkit::WRITE_MODEL(model, base_);
-    string bytes(static_cast<std::size_t>(layout_.size), '\0');
-    std::ifstream(layout_.path, std::ios::binary).read(bytes.data(), layout_.size);
-    const auto try_value = [&](std::size_t at, auto value) {
-      SCOPED_TRACE("byte " + to_string(at));
-      decltype(value) before;
-      std::memcpy(&before, bytes.data() + at, sizeof before);
-      PUT(static_cast<std::int64_t>(at), value);
-      EXPECT_ANSWER_OR_REASON();
-      PUT(static_cast<std::int64_t>(at), before);
-    };
-    for (std::size_t at = 0; at + 8 <= bytes.size() && !HasFatalFailure(); ++at) {
-      // Far inside a stretch of zeros, as a vehicle's lists have it, nothing is read.
-      if (at > 8 && bytes.find_first_not_of('\0', at - 8) > at + 8) continue;
-      for (const int value : {~bytes[at], 0x7F, 0x80})
-        if (with_axle_lists) try_value(at, static_cast<char>(value));
-      if (at % 4 != 0) continue;
-      for (const double value : {std::nan(""), -1e308, INFINITE}) try_value(at, value);
-      for (const std::int32_t value : {-1, INT_TOP, INT_BOTTOM}) try_value(at, value);
-    }
-  }
 }
 
 }  // namespace

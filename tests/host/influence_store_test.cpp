@@ -426,32 +426,6 @@ T_VOLUME_SET small_set() {
                 .data = {1, 2}}}}};
 }
 
-/// Every read and query, for what they might do to the host.
-void read_everything() {
-  for (const std::int32_t id : {1, 2}) {
-    for (const READ kind : {DISP, REAC, LREAC, ELEMENT, VIRTUAL_BAR, COMPOSITE_BAR}) read_one(kind, id, 2, 8);
-  }
-  std::int32_t count = 0;
-  const std::int32_t id = 1;
-  ids nodes(64);
-  GET_ELEMENT_NODE_INFO(&id, &count, nodes.data());
-}
-
-TEST_F(store_test, a_set_that_is_cut_anywhere_fails_and_says_where) {
-  for (const std::string& path : write(small_set(), files.NAME()).paths) {
-    const auto whole = static_cast<std::int64_t>(std::filesystem::file_size(path));
-    for (std::int64_t size = 0; size <= whole; size += size < whole - 4 ? 4 : 1) {
-      write(small_set(), files.NAME());
-      std::filesystem::resize_file(path, static_cast<std::uintmax_t>(size));
-      init(files.NAME());
-      const std::string failure = movload_last_failure();
-      EXPECT_EQ(failure.substr(0, path.size() + 2), size < whole ? path + ": " : "") << size;
-      EXPECT_EQ(supports(), size < whole ? ids{} : ids{1}) << size;
-      EXPECT_EQ(read_one(DISP, 1, 1, 1), size < whole ? row{HOST} : row{1}) << size;
-    }
-  }
-}
-
 TEST_F(store_test, a_record_behind_4_gb_is_read_where_it_lies) {
   constexpr std::int32_t NODES = 1000, LOADS = 200'000;
   const auto layout = modelkit::WRITE_VOLUME_SET(
@@ -461,27 +435,6 @@ TEST_F(store_test, a_record_behind_4_gb_is_read_where_it_lies) {
   init(files.NAME());
   EXPECT_EQ(read_one(DISP, NODES, LOADS, 6), (row{0, 0, 0, 0, 0, 2.5F}));
   EXPECT_EQ(read_all(DISP, NODES, 6, LOADS).back(), 2.5F);
-}
-
-TEST_F(store_test, no_word_of_a_set_can_harm_the_host) {
-  const auto paths = write(small_set(), files.NAME()).paths;
-  write(one_node({1, 2}), files.NAME("included"));
-  int failed = 0;
-  for (const std::string& path : paths) {
-    const auto size = static_cast<std::int64_t>(std::filesystem::file_size(path));
-    for (std::int64_t offset = 0; offset < size; offset += 4) {
-      write(small_set(), files.NAME());
-      for (const std::int32_t word :
-           {-1, 0, 1, 2, 12, 1 << 20, INT32_MAX, INT32_MIN, 80'000'007, 30'009'999}) {
-        modelkit::OVERWRITE_WORD_AT(path, offset, word);
-        init(files.NAME(), word % 2 == 0 ? files.NAME("included") : "");
-        failed += *movload_last_failure() != '\0' ? 1 : 0;
-        read_everything();
-        CLOSE_MOVING_INFLUENCE();
-      }
-    }
-  }
-  EXPECT_GT(failed, 200);
 }
 
 TEST_F(store_test, counts_beyond_the_file_and_volumes_that_lack_fail) {
