@@ -6,7 +6,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -16,6 +15,7 @@
 #include "movload.h"
 #include "tools/drawn_loading.h"
 #include "tools/envelope_question.h"
+#include "tools/file_names.h"
 #include "tools/gnuplot.h"
 #include "tools/picture_file.h"
 #include "tools/plot_sheet.h"
@@ -24,8 +24,6 @@
 
 namespace tools {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct T_PLOT_OPTIONS {
   T_ENVELOPE_QUESTION question;
@@ -121,9 +119,10 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
                     column.drawn.side == MAXIMUM ? "maximum" : "minimum"));
   }
   std::vector<std::string> files{report.file.file_name};
-  if (!report.source.included_base.empty()) files.push_back(FIRST_VOLUME(report.source.included_base));
-  if (report.source.in_volumes) files.push_back(FIRST_VOLUME(report.file.base_name));
-  for (std::string& file : files) file = fs::path(file).filename().string();
+  if (report.volumes && !report.volumes->included.empty())
+    files.push_back(FIRST_VOLUME(report.volumes->included));
+  if (report.volumes) files.push_back(FIRST_VOLUME(report.volumes->base));
+  for (std::string& file : files) file = NAME_OF(PATH_OF(file).filename());
   notes.push_back(fmt::format("movload {}, {}", movload_version(), fmt::join(files, ", ")));
   return notes;
 }

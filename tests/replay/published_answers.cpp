@@ -42,6 +42,7 @@ void ask_one_span(T_QUESTION& question, const T_ANSWER& answer, const modelkit::
   question.model = SIMPLE_SPAN_MODEL(span, answer.points, lane);
   if (2.0 * number_behind("shear at ", answer.result) == span) {
     question.kind = MOVLOAD_RK_BEAM;
+    question.id = SPAN_BEAM;
     question.item = BEAM_FORCE_ITEM(BEAM_MIDDLE, BEAM_SHEAR);
     return;
   }

@@ -186,9 +186,9 @@ for question in "--kind disp --id 176 --item 3 --case 6" "--kind beam --id 18 --
 done
 expect 1 envelope $split --kind disp --id 176 --item 3 --case 1 --store
 says err "an included set is missing"
-says err "--include BASE. In that folder: ${split}_included"
+says err "--include BASE. In that folder: bridge_included"
 expect 1 plot $split --kind disp --id 176 --item 3 --case 1 --store --include nowhere -o picture.svg
-says err "check --include"
+says err "there is no influence volume nowhere_000.BLK"
 expect 2 envelope $split --kind disp --id 176 --item 3 --case 1 --include ${split}_included
 expect 2 envelope $split --kind disp --id 176 --item 3 --case 1 --store --include " "
 expect 1 envelope $bridge --kind beam --id 31 --item 1 --case 1 --store
