@@ -4,13 +4,13 @@
 #include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "movload.h"
-#include "tools/file_names.h"
 #include "tools/gnuplot.h"
 #include "tools/influence_picture.h"
 #include "tools/influence_report.h"
@@ -68,11 +68,26 @@ void check_view(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& va
   }
 }
 
+/// The model's block directory file, where the volumes have one beside them or the user has named it.
+T_MODEL_FILE find_model_file(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
+  const bool is_named = HAS_MODEL_FILE(options.base, options.analysis_code);
+  return FIND_MODEL_FILE(is_named ? options.base : values.paths.base, options.analysis_code);
+}
+
+/// The values of one set of two look complete. The model that has more unit loads than they tells of it.
+void tell_of_forgotten_set(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
+  if (!HAS_MODEL_FILE(values.paths.base, options.analysis_code)) return;
+  const T_MODEL_FILE file = find_model_file(options, values);
+  kernel::RECORD_FILE unit;
+  kernel::T_COUNTS counts;
+  if (!kernel::READ_COUNTS(unit, file.file_name, counts).OK()) return;
+  const std::string fault = UNIT_LOADS_FAULT(values.loads, counts.N_UNIT_LOAD, file);
+  if (!fault.empty())
+    fmt::print(stderr, "note: {}\nwhat to do: {}\n", fault, ADVICE_FOR(fault, values.paths));
+}
+
 void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
-  const std::string& given = options.base;
-  const bool is_directory_file = HAS_MODEL_FILE(given, options.analysis_code);
-  const T_MODEL_FILE file =
-      FIND_MODEL_FILE(is_directory_file ? given : values.paths.base, options.analysis_code);
+  const T_MODEL_FILE file = find_model_file(options, values);
   kernel::RECORD_FILE unit;
   kernel::T_MODEL model;
   READ_MODEL_FILE(file, unit, model);
@@ -94,7 +109,7 @@ void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) 
   picture.footnotes = {
       "Ordinates as the solver gives them, upward where positive; distances run along the lane from its "
       "start.",
-      fmt::format("movload {}, {}", movload_version(), NAME_OF(PATH_OF(values.paths.base).filename()))};
+      fmt::format("movload {}, {}", movload_version(), SOURCES_IN_WORDS(file, values.paths))};
   WRITE_PICTURE_FILE(options.picture_file,
                      RUN_GNUPLOT(LINE_PICTURE_SCRIPT(picture, *PICTURE_FORMAT(options.picture_file))));
   PRINT(fmt::format("Written: {}\n", options.picture_file));
@@ -103,12 +118,12 @@ void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) 
 void run(const T_INFLUENCE_OPTIONS& options) {
   const T_INFLUENCE_VALUES values = read_values(options);
   check_view(options, values);
-  if (!options.picture_file.empty())
-    draw(options, values);
-  else if (options.csv)
+  if (!options.picture_file.empty()) return draw(options, values);
+  if (options.csv)
     PRINT(INFLUENCE_CSV(values, options.view));
   else
     PRINT(options.json ? INFLUENCE_JSON(values, options.view) : INFLUENCE_TEXT(values, options.view));
+  tell_of_forgotten_set(options, values);
 }
 
 std::string kind_help() {
@@ -151,7 +166,9 @@ void ADD_INFLUENCE_COMMAND(CLI::App& program) {
   const auto options = std::make_shared<T_INFLUENCE_OPTIONS>();
   CLI::App& command =
       *program.add_subcommand("influence", "Show the influence values of a node or element under unit loads");
-  command.add_option("BASE", options->base, "The influence volumes: path and stem, without _000.BLK")
+  command
+      .add_option("BASE", options->base,
+                  "The influence volumes: path and stem, or the full name of the first one")
       ->type_name("")
       ->required();
   command.add_option("--kind", options->kind, kind_help())

@@ -15,12 +15,12 @@
 #include "movload.h"
 #include "tools/drawn_loading.h"
 #include "tools/envelope_question.h"
-#include "tools/file_names.h"
 #include "tools/gnuplot.h"
 #include "tools/picture_file.h"
 #include "tools/plot_sheet.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 namespace {
@@ -118,12 +118,8 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
         fmt::format("The loads drawn don't add up to the {}: the records don't tell the whole loading.",
                     column.drawn.side == MAXIMUM ? "maximum" : "minimum"));
   }
-  std::vector<std::string> files{report.file.file_name};
-  if (report.volumes && !report.volumes->included.empty())
-    files.push_back(FIRST_VOLUME(report.volumes->included));
-  if (report.volumes) files.push_back(FIRST_VOLUME(report.volumes->base));
-  for (std::string& file : files) file = NAME_OF(PATH_OF(file).filename());
-  notes.push_back(fmt::format("movload {}, {}", movload_version(), fmt::join(files, ", ")));
+  notes.push_back(
+      fmt::format("movload {}, {}", movload_version(), SOURCES_IN_WORDS(report.file, report.volumes)));
   return notes;
 }
 

@@ -122,6 +122,10 @@ void INSPECT_VOLUMES(const T_VOLUME_PATHS& paths, T_INSPECTION& inspection) {
     store::INFLUENCE_STORE store;
     OPEN_VOLUMES(paths, store);
     inspection.volumes = READ_VOLUME_CONTENTS(store, paths);
+    if (!inspection.counts) return;
+    const std::string fault =
+        UNIT_LOADS_FAULT(inspection.volumes->N_LOADS(), inspection.counts->N_UNIT_LOAD, inspection.file);
+    if (!fault.empty()) inspection.volumes->notes.push_back(fault);
   } catch (const T_TOOL_FAILURE& failure) {
     inspection.failures.emplace_back(failure.what());
   }

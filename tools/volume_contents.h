@@ -49,7 +49,7 @@ struct T_VOLUME_CONTENTS {
   std::int32_t composite_parts = 0;      // of every composite bar; 0: there are none
   std::int32_t virtual_bar_mark = 0;     // above 0: there are virtual bars
   std::int64_t elements_with_nodes = 0;  // elements of the lists whose nodes are told
-  std::vector<std::string> notes;        // where two sets don't fit each other
+  std::vector<std::string> notes;        // where two sets don't fit each other, or the model
 
   [[nodiscard]] std::int64_t N_LOADS() const;
 };

@@ -1,10 +1,11 @@
 #include "tools/volume_files.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "common/status.h"
 #include "kernel/block_file.h"
@@ -80,13 +81,17 @@ void OPEN_VOLUMES(const T_VOLUME_PATHS& paths, store::INFLUENCE_STORE& store) {
   throw T_TOOL_FAILURE(line, ADVICE_FOR(line, paths));
 }
 
-void CHECK_UNIT_LOADS(std::int32_t stored, std::int32_t of_model, const T_MODEL_FILE& file,
-                      const T_VOLUME_PATHS& paths) {
-  if (stored == of_model) return;
+std::string UNIT_LOADS_FAULT(std::int64_t stored, std::int32_t of_model, const T_MODEL_FILE& file) {
+  if (stored == of_model) return "";
   STATUS status = STATUS::FAILED(REASON::UNIT_LOADS_DIFFER, stored);
   status.high = of_model;
-  const std::string line = FAILURE_LINE(status, file.file_name);
-  throw T_TOOL_FAILURE(line, ADVICE_FOR(line, paths));
+  return FAILURE_LINE(status, file.file_name);
+}
+
+void CHECK_UNIT_LOADS(std::int32_t stored, std::int32_t of_model, const T_MODEL_FILE& file,
+                      const T_VOLUME_PATHS& paths) {
+  const std::string fault = UNIT_LOADS_FAULT(stored, of_model, file);
+  if (!fault.empty()) throw T_TOOL_FAILURE(fault, ADVICE_FOR(fault, paths));
 }
 
 std::string ADVICE_FOR(std::string_view failure_line, const T_VOLUME_PATHS& paths) {
@@ -103,6 +108,14 @@ std::string ADVICE_FOR(std::string_view failure_line, const T_VOLUME_PATHS& path
   };
   return "name the set that holds the other unit loads: --include BASE" +
          NAMES_BESIDE(paths.base, if_other_set);
+}
+
+std::string SOURCES_IN_WORDS(const T_MODEL_FILE& file, const std::optional<T_VOLUME_PATHS>& volumes) {
+  std::vector<std::string> files{file.file_name};
+  if (volumes && !volumes->included.empty()) files.push_back(FIRST_VOLUME(volumes->included));
+  if (volumes) files.push_back(FIRST_VOLUME(volumes->base));
+  for (std::string& name : files) name = NAME_OF(PATH_OF(name).filename());
+  return fmt::format("{}", fmt::join(files, ", "));
 }
 
 }  // namespace tools

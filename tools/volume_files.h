@@ -32,11 +32,19 @@ struct T_VOLUME_PATHS {
 /// Opens the sets as a host does. Throws T_TOOL_FAILURE with the volume's name where one can't be read.
 void OPEN_VOLUMES(const T_VOLUME_PATHS& paths, store::INFLUENCE_STORE& store);
 
-/// A run needs as many unit loads as the model has. Throws T_TOOL_FAILURE for another number.
+/// The library's line of text on a store that hasn't as many unit loads as the model, as a run needs; empty
+/// for one that has.
+[[nodiscard]] std::string UNIT_LOADS_FAULT(std::int64_t stored, std::int32_t of_model,
+                                           const T_MODEL_FILE& file);
+/// Throws it as T_TOOL_FAILURE.
 void CHECK_UNIT_LOADS(std::int32_t stored, std::int32_t of_model, const T_MODEL_FILE& file,
                       const T_VOLUME_PATHS& paths);
 
 /// Advice on a failure over these sets that the library tells by its line of text.
 [[nodiscard]] std::string ADVICE_FOR(std::string_view failure_line, const T_VOLUME_PATHS& paths);
+
+/// "bridge.ZA3, bridge_included_000.BLK, bridge_000.BLK": what a picture has been drawn from.
+[[nodiscard]] std::string SOURCES_IN_WORDS(const T_MODEL_FILE& file,
+                                           const std::optional<T_VOLUME_PATHS>& volumes);
 
 }  // namespace tools
