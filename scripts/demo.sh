@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library and its command line tool, writes the example bridge and asks for forces
 # of the inner beam: its moment at midspan of the main span and over the first pier, and its shear behind that pier,
-# each under HA alone and with an HB on the bridge; then for a reaction, from either form of the model's files. It
-# prints the envelopes and draws their loadings.
+# each under HA alone and with an HB on the bridge; then for a reaction, from either form of the model's files, and for
+# influence values. It prints the envelopes and draws their loadings.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
@@ -39,3 +39,8 @@ reaction=(--kind reac --id 101 --item 3 --case 7)
 ask pier-reaction-hb.png "Reaction on pier 1, edge beam, HB and HA" kN "${reaction[@]}"
 printf '\nThe same from the influence volumes:\n$ movload envelope %s/bridge %s --store\n' "$example" "${reaction[*]}"
 "$movload" envelope "$example/bridge" "${reaction[@]}" --store
+shear=(--kind beam --id 18 --item 15)
+printf '\nShear at midspan, inner beam, under unit loads beside its section and on it:\n'
+printf '$ movload influence %s/bridge %s\n' "$example" "${shear[*]} --load 177 178 179"
+"$movload" influence "$example/bridge" "${shear[@]}" --load 177 178 179
+"$movload" influence "$example/bridge" "${shear[@]}" --lane 2 --unit kN --picture "$build/midspan-shear-line.png"

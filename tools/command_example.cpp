@@ -25,9 +25,10 @@
 #include "modelkit/volume_writer.h"
 #include "tools/file_names.h"
 #include "tools/progress.h"
-#include "tools/result_points.h"
+#include "tools/result_kinds.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 namespace {
@@ -64,8 +65,7 @@ struct T_WRITTEN_FILES {
   std::vector<fs::path> volumes;  // one of each set, the primary one first
 };
 
-constexpr std::string_view FIRST_VOLUME = "_000.BLK";
-constexpr std::string_view INCLUDED_SET = "_included";  // behind the model's base name
+constexpr const char* INCLUDED_SET = "_included";  // behind the model's base name
 
 T_EXAMPLE_FILES bridge() {
   modelkit::T_EXAMPLE example = modelkit::EXAMPLE_BRIDGE();
@@ -160,8 +160,8 @@ std::vector<std::string> name_ends() {
   std::vector<std::string> ends;
   for (const char family : kernel::ELEMENT_FAMILIES)
     for (const char number : std::string_view("123456789")) ends.push_back(extension + family + number);
-  ends.emplace_back(FIRST_VOLUME);
-  ends.push_back(fmt::format("{}{}", INCLUDED_SET, FIRST_VOLUME));
+  ends.push_back(FIRST_VOLUME(""));
+  ends.push_back(FIRST_VOLUME(INCLUDED_SET));
   ends.push_back(extension);
   return ends;
 }
@@ -170,7 +170,7 @@ std::vector<std::string> name_ends() {
 void write_model(const modelkit::T_MODEL& model, bool has_included_set, const std::string& base_name) {
   modelkit::WRITE_MODEL(model, base_name);
   modelkit::WRITE_VOLUMES(model, base_name, {.included_loads = has_included_set ? model.unit_loads / 2 : 0},
-                          base_name + std::string(INCLUDED_SET));
+                          base_name + INCLUDED_SET);
 }
 
 /// Writes beside the files' place and then moves there, so that a file of other contents is never lost.
@@ -209,7 +209,7 @@ T_WRITTEN_FILES write_files(const T_EXAMPLE_FILES& files, const T_EXAMPLE_OPTION
     if (error)
       fail(fmt::format("{}: the file can't be put there: {}", NAME_OF(target(end)), error.message()),
            "name another folder");
-    if (end.ends_with(FIRST_VOLUME)) {
+    if (end.ends_with(FIRST_VOLUME(""))) {
       written.volumes.push_back(target(end));
     } else if (end == modelkit::FILE_EXTENSION(0)) {
       written.directory_file = target(end);

@@ -4,20 +4,18 @@
 #include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
-#include <limits>
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "kernel/driver.h"
 #include "movload.h"
 #include "tools/gnuplot.h"
 #include "tools/influence_picture.h"
 #include "tools/influence_report.h"
 #include "tools/influence_values.h"
-#include "tools/model_files.h"
+#include "tools/model_options.h"
 #include "tools/picture_file.h"
 #include "tools/progress.h"
 #include "tools/text_layout.h"
@@ -45,23 +43,22 @@ struct T_INFLUENCE_OPTIONS {
 
 T_INFLUENCE_VALUES read_values(const T_INFLUENCE_OPTIONS& options) {
   T_INFLUENCE_QUESTION question;
-  question.base_path = FIND_VOLUME_SET(options.base);
-  if (!options.included.empty()) question.included = FIND_VOLUME_SET(options.included);
-  question.kind = FIND_STORED_KIND(options.kind);
+  question.paths = FIND_VOLUME_PATHS(options.base, options.included);
+  question.kind = FIND_KIND(options.kind);
   question.id = options.id;
   question.part = options.part;
-  const T_PROGRESS progress("reading the influence volumes of " + question.base_path);
+  const T_PROGRESS progress("reading the influence volumes of " + question.paths.base);
   return READ_INFLUENCE(question);
 }
 
 /// Items and loads that are asked for must be there, or a table of nothing would look like an answer.
 void check_view(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
-  const T_STORED_POINT& point = values.point;
-  if (options.view.item && point.ITEM(*options.view.item) == nullptr) {
-    throw T_TOOL_FAILURE(fmt::format("{} {} has no item {}", point.kind->name, point.id, *options.view.item),
-                         point.items.empty()
+  const T_INFLUENCE_ROW& row = values.row;
+  if (options.view.item && row.ITEM(*options.view.item) == nullptr) {
+    throw T_TOOL_FAILURE(fmt::format("{} {} has no item {}", row.kind->name, row.id, *options.view.item),
+                         row.items.empty()
                              ? "the volumes hold no items for it"
-                             : fmt::format("give an --item of 1 to {}", point.items.back().number));
+                             : fmt::format("give an --item of 1 to {}", row.items.back().number));
   }
   for (const std::int32_t load : options.view.loads) {
     if (load >= 1 && load <= values.loads) continue;
@@ -71,29 +68,33 @@ void check_view(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& va
   }
 }
 
-kernel::T_MODEL read_model(const T_MODEL_FILE& file) {
-  kernel::T_REQUEST request;
-  request.FILE_NAME = file.file_name;
-  request.ANALYSIS_CODE = file.analysis_code;
+/// The model's block directory file, where the volumes have one beside them or the user has named it.
+T_MODEL_FILE find_model_file(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
+  const bool is_named = HAS_MODEL_FILE(options.base, options.analysis_code);
+  return FIND_MODEL_FILE(is_named ? options.base : values.paths.base, options.analysis_code);
+}
+
+/// The values of one set of two look complete. The model that has more unit loads than they tells of it.
+void tell_of_forgotten_set(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
+  if (!HAS_MODEL_FILE(values.paths.base, options.analysis_code)) return;
+  const T_MODEL_FILE file = find_model_file(options, values);
   kernel::RECORD_FILE unit;
-  kernel::T_MODEL model;
-  constexpr std::int32_t ANY_NUMBER_OF_LANES = std::numeric_limits<std::int32_t>::max();
-  const STATUS status = kernel::READ_MODEL(unit, request, ANY_NUMBER_OF_LANES, model);
-  if (status.OK()) return model;
-  const std::string line = FAILURE_LINE(status, file.file_name);
-  throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
+  kernel::T_COUNTS counts;
+  if (!kernel::READ_COUNTS(unit, file.file_name, counts).OK()) return;
+  const std::string fault = UNIT_LOADS_FAULT(values.loads, counts.N_UNIT_LOAD, file);
+  if (!fault.empty())
+    fmt::print(stderr, "note: {}\nwhat to do: {}\n", fault, ADVICE_FOR(fault, values.paths));
 }
 
 void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) {
-  const std::string& given = options.base;
-  const bool is_directory_file = HAS_MODEL_FILE(given, options.analysis_code);
-  const T_MODEL_FILE file =
-      FIND_MODEL_FILE(is_directory_file ? given : values.base_path, options.analysis_code);
-  const kernel::T_MODEL model = read_model(file);
-  const T_ROW_ITEM& item = *values.point.ITEM(*options.view.item);
-  const std::string result =
-      fmt::format("{} {}, item {}", values.point.kind->name, values.point.id, item.number);
-  const std::string meaning = fmt::format("{} ({}: {})", result, values.point.kind->meaning, item.meaning);
+  const T_MODEL_FILE file = find_model_file(options, values);
+  kernel::RECORD_FILE unit;
+  kernel::T_MODEL model;
+  READ_MODEL_FILE(file, unit, model);
+  CHECK_UNIT_LOADS(values.loads, model.COUNTS.N_UNIT_LOAD, file, values.paths);
+  const T_ROW_ITEM& item = *values.row.ITEM(*options.view.item);
+  const std::string result = fmt::format("{} {}, item {}", values.row.kind->name, values.row.id, item.number);
+  const std::string meaning = fmt::format("{} ({}: {})", result, values.row.kind->meaning, item.meaning);
   T_LINE_PICTURE picture;
   picture.title = options.title.empty() ? meaning : options.title;
   picture.subtitle =
@@ -108,8 +109,7 @@ void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) 
   picture.footnotes = {
       "Ordinates as the solver gives them, upward where positive; distances run along the lane from its "
       "start.",
-      fmt::format("movload {}, {}", movload_version(),
-                  std::filesystem::path(values.base_path).filename().string())};
+      fmt::format("movload {}, {}", movload_version(), SOURCES_IN_WORDS(file, values.paths))};
   WRITE_PICTURE_FILE(options.picture_file,
                      RUN_GNUPLOT(LINE_PICTURE_SCRIPT(picture, *PICTURE_FORMAT(options.picture_file))));
   PRINT(fmt::format("Written: {}\n", options.picture_file));
@@ -118,24 +118,24 @@ void draw(const T_INFLUENCE_OPTIONS& options, const T_INFLUENCE_VALUES& values) 
 void run(const T_INFLUENCE_OPTIONS& options) {
   const T_INFLUENCE_VALUES values = read_values(options);
   check_view(options, values);
-  if (!options.picture_file.empty())
-    draw(options, values);
-  else if (options.csv)
+  if (!options.picture_file.empty()) return draw(options, values);
+  if (options.csv)
     PRINT(INFLUENCE_CSV(values, options.view));
   else
     PRINT(options.json ? INFLUENCE_JSON(values, options.view) : INFLUENCE_TEXT(values, options.view));
+  tell_of_forgotten_set(options, values);
 }
 
 std::string kind_help() {
   std::vector<std::string> names;
-  for (const T_STORED_KIND& kind : ALL_STORED_KINDS()) names.emplace_back(kind.name);
+  for (const T_KIND& kind : ALL_KINDS()) names.emplace_back(kind.name);
   std::string text = "Kind of result:";
   for (const std::string& line : WRAP(names, ", ", 60)) text += "\n" + line;
   return text + "\n(elink and nlink stand in one list)";
 }
 
 std::string kind_fault(const std::string& text) {
-  return FIND_STORED_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text) : std::string();
+  return FIND_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text) : std::string();
 }
 
 void add_picture_options(CLI::App& command, T_INFLUENCE_OPTIONS& options, CLI::Option* item) {
@@ -166,7 +166,9 @@ void ADD_INFLUENCE_COMMAND(CLI::App& program) {
   const auto options = std::make_shared<T_INFLUENCE_OPTIONS>();
   CLI::App& command =
       *program.add_subcommand("influence", "Show the influence values of a node or element under unit loads");
-  command.add_option("BASE", options->base, "The influence volumes: path and stem, without _000.BLK")
+  command
+      .add_option("BASE", options->base,
+                  "The influence volumes: path and stem, or the full name of the first one")
       ->type_name("")
       ->required();
   command.add_option("--kind", options->kind, kind_help())
@@ -177,8 +179,7 @@ void ADD_INFLUENCE_COMMAND(CLI::App& program) {
   CLI::Option* const item = command.add_option("--item", options->view.item, "Component, from 1; else all");
   command.add_option("--load", options->view.loads, "Unit loads, from 1; else all")->type_name("LOAD");
   command.add_option("--part", options->part, "Part of a composite bar")->capture_default_str();
-  command.add_option("--include", options->included, "Join this set of volumes, whose unit loads come first")
-      ->type_name("BASE");
+  ADD_INCLUDE_OPTION(command, options->included);
   command.add_flag("--all", options->view.all, "Show every row of a long table");
   CLI::Option* const json = command.add_flag("--json", options->json, "Print JSON, for programs");
   command.add_flag("--csv", options->csv, "Print comma-separated values, a line for each unit load")

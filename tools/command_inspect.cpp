@@ -31,9 +31,9 @@ struct T_INSPECT_OPTIONS {
 T_INSPECTION inspect(const T_INSPECT_OPTIONS& options) {
   constexpr std::int32_t FIRST_FEW = 6;
   const std::string& given = options.model.base;
-  std::optional<std::string> included;
-  if (!options.included.empty()) included = FIND_VOLUME_SET(options.included);
-  const std::optional<std::string> volumes = included ? FIND_VOLUME_SET(given) : FIND_VOLUMES(given);
+  std::optional<T_VOLUME_PATHS> volumes;
+  if (!options.included.empty() || FIND_VOLUME_SET(given))
+    volumes = FIND_VOLUME_PATHS(given, options.included);
   // An analysis code asks for a block directory file.
   const bool has_volumes_alone =
       volumes && !options.model.analysis_code && !HAS_MODEL_FILE(given, std::nullopt);
@@ -44,8 +44,8 @@ T_INSPECTION inspect(const T_INSPECT_OPTIONS& options) {
     inspection = INSPECT(file, options.all ? std::numeric_limits<std::int32_t>::max() : FIRST_FEW);
   }
   if (volumes) {
-    const T_PROGRESS progress("reading the influence volumes of " + *volumes);
-    INSPECT_VOLUMES(*volumes, included, inspection);
+    const T_PROGRESS progress("reading the influence volumes of " + volumes->base);
+    INSPECT_VOLUMES(*volumes, inspection);
   }
   return inspection;
 }
@@ -67,8 +67,7 @@ void ADD_INSPECT_COMMAND(CLI::App& program) {
   CLI::App& command = *program.add_subcommand(
       "inspect", "Show what a model's files hold: lanes, vehicles, load cases, results, influence volumes");
   ADD_MODEL_OPTIONS(command, options->model);
-  command.add_option("--include", options->included, "Join this set of influence volumes to the model's")
-      ->type_name("BASE");
+  ADD_INCLUDE_OPTION(command, options->included);
   command.add_flag("--all", options->all, "Show every combination, not the first six of each case");
   command.add_flag("--json", options->json, "Print JSON, for programs");
   command.footer(

@@ -6,7 +6,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -22,11 +21,10 @@
 #include "tools/plot_sheet.h"
 #include "tools/text_layout.h"
 #include "tools/tool_failure.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct T_PLOT_OPTIONS {
   T_ENVELOPE_QUESTION question;
@@ -121,11 +119,8 @@ std::vector<std::string> footnotes(const T_ENVELOPE_REPORT& report,
         fmt::format("The loads drawn don't add up to the {}: the records don't tell the whole loading.",
                     column.drawn.side == MAXIMUM ? "maximum" : "minimum"));
   }
-  std::vector<std::string> files{report.file.file_name};
-  if (!report.source.included_base.empty()) files.push_back(FIRST_VOLUME(report.source.included_base));
-  if (report.source.in_volumes) files.push_back(FIRST_VOLUME(report.file.base_name));
-  for (std::string& file : files) file = NAME_OF(PATH_OF(file).filename());
-  notes.push_back(fmt::format("movload {}, {}", movload_version(), fmt::join(files, ", ")));
+  notes.push_back(
+      fmt::format("movload {}, {}", movload_version(), SOURCES_IN_WORDS(report.file, report.volumes)));
   return notes;
 }
 

@@ -529,7 +529,7 @@ std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report, const 
   request.RESULT_KIND = report.kind->result_kind;
   request.RESULT_ID = report.id;
   request.RESULT_ITEM = report.item;
-  request.STORE_MODE = report.source.in_volumes;
+  request.STORE_MODE = report.volumes.has_value();
   request.STORE = &store;
   kernel::RECORD_FILE unit;
   results::T_RESPONSE response;

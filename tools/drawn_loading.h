@@ -101,7 +101,7 @@ struct T_DRAWN_SIDE {
 };
 
 /// Both sides of a report, by HOST_SIDE; without lanes where neither is governed. Reads the response once
-/// more, from the store where the report's source is volumes, and throws T_TOOL_FAILURE where it can't be
+/// more, from the store where the report has volumes, and throws T_TOOL_FAILURE where it can't be
 /// read.
 [[nodiscard]] std::array<T_DRAWN_SIDE, 2> DRAW_LOADING(const T_ENVELOPE_REPORT& report,
                                                        const kernel::T_MODEL& model,

@@ -5,17 +5,18 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <set>
 #include <tuple>
 #include <utility>
 
 #include "kernel/driver.h"
+#include "results/result_members.h"
 #include "tools/host_run.h"
 #include "tools/progress.h"
 #include "tools/tool_failure.h"
 #include "tools/vehicle_names.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 namespace {
@@ -28,27 +29,32 @@ struct T_BACKGROUND {
   store::INFLUENCE_STORE store;  // open where responses come from volumes
 };
 
-void read_background(const T_MODEL_FILE& file, const T_RESPONSE_SOURCE& source, const T_KIND& kind,
-                     T_BACKGROUND& background) {
-  const auto check = [&file](const STATUS& status) {
-    if (status.OK()) return;
-    const std::string line = FAILURE_LINE(status, file.file_name);
-    throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
-  };
-  kernel::T_REQUEST request;
-  request.FILE_NAME = file.file_name;
-  request.ANALYSIS_CODE = file.analysis_code;
+/// The sets of a model whose responses are to come from volumes.
+T_VOLUME_PATHS find_volumes(const T_MODEL_FILE& file, const std::string& included) {
+  if (FIND_VOLUME_SET(file.base_name) == file.base_name) return FIND_VOLUME_PATHS(file.base_name, included);
+  throw T_TOOL_FAILURE(fmt::format("there is no influence volume {}", FIRST_VOLUME(file.base_name)),
+                       "have the solver write influence volumes for the model, or leave out --store to use "
+                       "its blocks and element files");
+}
+
+void read_background(const T_ENVELOPE_REPORT& report, T_BACKGROUND& background) {
+  const std::string& file_name = report.file.file_name;
+  const T_KIND& kind = *report.kind;
   kernel::RECORD_FILE unit;
-  constexpr std::int32_t ANY_NUMBER_OF_LANES = std::numeric_limits<std::int32_t>::max();
-  check(kernel::READ_MODEL(unit, request, ANY_NUMBER_OF_LANES, background.model));
+  READ_MODEL_FILE(report.file, unit, background.model);
   const kernel::T_COUNTS& counts = background.model.COUNTS;
-  check(READ_VEHICLE_NAMES(unit, file.file_name, counts, background.vehicle_names));
-  if (!source.in_volumes) {
-    check(READ_RESULT_POINTS(unit, file.file_name, counts, kind, background.points));
+  CHECK_STATUS(READ_VEHICLE_NAMES(unit, file_name, counts, background.vehicle_names), file_name);
+  if (!report.volumes) {
+    CHECK_STATUS(READ_RESULT_POINTS(unit, file_name, counts, kind, background.points), file_name);
     return;
   }
-  OPEN_VOLUMES(file, source, counts, background.store);
-  background.points = STORED_POINTS(background.store, counts, kind);
+  OPEN_VOLUMES(*report.volumes, background.store);
+  CHECK_UNIT_LOADS(background.store.N_TOTAL_LOADS(), counts.N_UNIT_LOAD, report.file, *report.volumes);
+  background.points = STORED_RESULT_POINTS(background.store, counts, kind);
+  // A run finds an element by its number alone: of another kind it takes what stands in the places of the
+  // kind that is asked for.
+  if (results::FIND_FAMILY(kind.result_kind)->STORE_READ == store::READ::ELEMENT)
+    CHECK_STORED(background.store, kind, report.id, report.volumes->base);
 }
 
 /// The numbers of the model's BS 5400 vehicles, where they agree in what `same` compares; the records don't
@@ -119,29 +125,30 @@ std::vector<std::string> notes_on(const T_ENVELOPE_QUESTION& question, const T_B
 }
 
 /// Asks the library. Of an element beyond the files it can only say which record is missing.
-T_HOST_ANSWER ask(const T_HOST_QUESTION& question, const T_MODEL_FILE& file, const T_RESPONSE_SOURCE& source,
-                  const T_KIND& kind) {
+T_HOST_ANSWER ask(const T_HOST_QUESTION& question, const T_ENVELOPE_REPORT& report) {
   try {
     return RUN_AS_HOST(question);
   } catch (const T_TOOL_FAILURE& failure) {
-    if (source.in_volumes) throw T_TOOL_FAILURE(failure.what(), ADVICE_FOR(failure.what(), file, source));
+    if (report.volumes) throw T_TOOL_FAILURE(failure.what(), ADVICE_FOR(failure.what(), *report.volumes));
     kernel::RECORD_FILE unit;
     kernel::T_COUNTS counts;
     T_RESULT_POINTS points;
-    const bool is_element = kernel::READ_COUNTS(unit, file.file_name, counts).OK() &&
-                            READ_RESULT_POINTS(unit, file.file_name, counts, kind, points).OK() &&
-                            points.IS_IN_ELEMENT_FILES();
+    const bool is_element =
+        kernel::READ_COUNTS(unit, report.file.file_name, counts).OK() &&
+        READ_RESULT_POINTS(unit, report.file.file_name, counts, *report.kind, points).OK() &&
+        points.IS_IN_ELEMENT_FILES();
     if (!is_element || points.HOLDS(question.result_id)) throw;
-    throw T_TOOL_FAILURE(failure.what(),
-                         points.runs.empty()
-                             ? fmt::format("the files hold no {} results: see `movload inspect`", kind.name)
-                             : fmt::format("give an --id that the files hold: {}", points.IDS_IN_WORDS()));
+    throw T_TOOL_FAILURE(
+        failure.what(),
+        points.runs.empty()
+            ? fmt::format("the files hold no {} results: see `movload inspect`", report.kind->name)
+            : fmt::format("give an --id that the files hold: {}", points.IDS_IN_WORDS()));
   }
 }
 
 std::string kind_help() {
   std::vector<std::string> names;
-  for (const T_KIND& kind : ALL_KINDS()) names.push_back(fmt::format("{} ({})", kind.name, kind.result_kind));
+  for (const T_KIND& kind : RUN_KINDS()) names.push_back(fmt::format("{} ({})", kind.name, kind.result_kind));
   return fmt::format("Kind of result, by name or number:\n{}", fmt::join(names, ", "));
 }
 
@@ -149,13 +156,17 @@ std::string kind_help() {
 
 void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question) {
   ADD_MODEL_OPTIONS(command, question.model);
-  ADD_VOLUME_OPTIONS(command, question.source);
+  CLI::Option* const store =
+      command.add_flag("--store", question.in_volumes,
+                       "Take the responses from the model's influence volumes, BASE_000.BLK\n"
+                       "and so on, in place of blocks and element files");
+  ADD_INCLUDE_OPTION(command, question.included).needs(store);
   command.add_option("--kind", question.kind, kind_help())
       ->required()
       ->check(CLI::Validator(
           [](const std::string& text) {
-            return FIND_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text)
-                                              : std::string();
+            return FIND_RUN_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text)
+                                                  : std::string();
           },
           ""))
       ->type_name("KIND");
@@ -165,31 +176,30 @@ void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question) {
 }
 
 T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
-  const T_KIND& kind = *FIND_KIND(question.kind);
+  const T_KIND& kind = *FIND_RUN_KIND(question.kind);
   T_ENVELOPE_ANSWER result;
   T_ENVELOPE_REPORT& report = result.report;
   report.file = question.model.FIND_FILE();
-  report.source = question.source;
+  if (question.in_volumes) report.volumes = find_volumes(report.file, question.included);
   report.kind = &kind;
   report.id = question.id;
   report.item = question.item;
   report.mv_case = question.mv_case;
 
   constexpr std::int32_t STORE_MODE = 100;
-  const bool in_volumes = question.source.in_volumes;
   const T_PROGRESS progress(
       fmt::format("searching {} {} of {}", kind.name, question.id, report.file.file_name));
-  const T_HOST_ANSWER answer = ask({.base_name = report.file.base_name,
-                                    .mode_code = report.file.analysis_code + (in_volumes ? STORE_MODE : 0),
-                                    .included_base = question.source.included_base,
-                                    .result_kind = kind.result_kind,
-                                    .result_id = question.id,
-                                    .result_item = question.item,
-                                    .mv_case = question.mv_case},
-                                   report.file, question.source, kind);
+  const T_HOST_ANSWER answer =
+      ask({.base_name = report.file.base_name,
+           .mode_code = report.file.analysis_code + (report.volumes ? STORE_MODE : 0),
+           .included_base = report.volumes ? report.volumes->included : "",
+           .result_kind = kind.result_kind,
+           .result_id = question.id,
+           .result_item = question.item,
+           .mv_case = question.mv_case},
+          report);
   T_BACKGROUND background;
-  read_background(report.file, question.source, kind, background);
-  if (in_volumes) CHECK_ELEMENT(background.store, background.points, question.id);
+  read_background(report, background);
   const kernel::T_COUNTS& counts = background.model.COUNTS;
   report.searched = answer.searched;
   report.cases = counts.N_MV_CASE;

@@ -11,20 +11,20 @@
 #include "tools/drawn_loading.h"
 #include "tools/envelope_report.h"
 #include "tools/model_options.h"
-#include "tools/volumes.h"
 
 namespace tools {
 
 struct T_ENVELOPE_QUESTION {
   T_MODEL_OPTIONS model;
-  T_RESPONSE_SOURCE source;
-  std::string kind;  // by name or number
+  bool in_volumes = false;  // the responses
+  std::string included;     // set of volumes; empty: none
+  std::string kind;         // by name or number
   std::int32_t id = 0;
   std::int32_t item = 0;
   std::int32_t mv_case = 0;
 };
 
-/// Adds BASE, --store, --kind, --id, --item and --case to a command. The question must outlive it.
+/// Adds BASE, --store, --include, --kind, --id, --item and --case to a command. The question must outlive it.
 void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question);
 
 struct T_ENVELOPE_ANSWER {

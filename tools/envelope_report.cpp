@@ -263,10 +263,10 @@ ordered_json side_json(const T_ENVELOPE_REPORT& report, HOST_SIDE side) {
 std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
   std::string text = fmt::format("{}: {} {}, item {} ({})\n", report.file.file_name, report.kind->name,
                                  report.id, report.item, RESULT_MEANING(*report.kind, report.item));
-  if (report.source.in_volumes) {
-    text += "Responses: influence volumes " + FIRST_VOLUME(report.file.base_name);
-    if (!report.source.included_base.empty())
-      text += " and the included " + FIRST_VOLUME(report.source.included_base);
+  if (report.volumes) {
+    text += "Responses: influence volumes " + FIRST_VOLUME(report.volumes->base);
+    if (!report.volumes->included.empty())
+      text += " and the included " + FIRST_VOLUME(report.volumes->included);
     text += '\n';
   }
   if (!report.searched) return text + "Nothing was searched.\n";
@@ -295,10 +295,10 @@ std::string ENVELOPE_TEXT(const T_ENVELOPE_REPORT& report) {
 }
 
 std::string ENVELOPE_JSON(const T_ENVELOPE_REPORT& report) {
-  const std::string& included = report.source.included_base;
+  const std::string included = report.volumes ? report.volumes->included : "";
   const ordered_json json{{"file", report.file.file_name},
                           {"analysis_code", report.file.analysis_code},
-                          {"responses", report.source.in_volumes ? "influence volumes" : "block files"},
+                          {"responses", report.volumes ? "influence volumes" : "block files"},
                           {"included_set", included.empty() ? ordered_json() : ordered_json(included)},
                           {"kind", report.kind->name},
                           {"result_kind", report.kind->result_kind},

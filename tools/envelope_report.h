@@ -10,13 +10,13 @@
 #include "tools/governing_loading.h"
 #include "tools/model_files.h"
 #include "tools/result_points.h"
-#include "tools/volumes.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 
 struct T_ENVELOPE_REPORT {
   T_MODEL_FILE file;
-  T_RESPONSE_SOURCE source;
+  std::optional<T_VOLUME_PATHS> volumes;  // where responses come from; none: blocks and element files
   const T_KIND* kind = nullptr;
   std::int32_t id = 0;
   std::int32_t item = 0;

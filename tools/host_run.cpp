@@ -9,11 +9,6 @@
 namespace tools {
 namespace {
 
-[[noreturn]] void fail() {
-  const std::string line = movload_last_failure();
-  throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
-}
-
 T_HOST_SIDE_ARRAYS side_arrays(std::size_t lanes) {
   T_HOST_SIDE_ARRAYS side;
   side.records.assign(MOVLOAD_RECORD_FIELDS * lanes, 0);
@@ -28,13 +23,18 @@ T_HOST_SIDE_ARRAYS side_arrays(std::size_t lanes) {
 
 }  // namespace
 
+void CHECK_LAST_CALL() {
+  const std::string line = movload_last_failure();
+  if (!line.empty()) throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
+}
+
 T_HOST_ANSWER RUN_AS_HOST(const T_HOST_QUESTION& question) {
   const char* path = question.base_name.data();
   const auto path_len = static_cast<std::int32_t>(question.base_name.size());
   T_HOST_ANSWER answer;
   std::int32_t mode_code = question.mode_code;
   _MOV_KRNL_BS_5400_NUM_LANE(path, path_len, &mode_code, &answer.lanes);
-  if (mode_code == -1) fail();
+  CHECK_LAST_CALL();
 
   if (!question.included_base.empty()) {
     const auto length = static_cast<std::int32_t>(question.included_base.size());
@@ -50,7 +50,7 @@ T_HOST_ANSWER RUN_AS_HOST(const T_HOST_QUESTION& question) {
                     min.plane_records[1].data(), max.plane_ranges[0].data(), min.plane_ranges[0].data(),
                     max.plane_ranges[1].data(), min.plane_ranges[1].data(), max.distances.data(),
                     min.distances.data());
-  if (mode_code == -1) fail();
+  CHECK_LAST_CALL();
   answer.searched = !std::isnan(max.value) && !std::isnan(min.value);
   return answer;
 }

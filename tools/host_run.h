@@ -37,6 +37,9 @@ struct T_HOST_QUESTION {
   std::int32_t mv_case = 0;
 };
 
+/// Throws T_TOOL_FAILURE with the library's own line where its last call has failed.
+void CHECK_LAST_CALL();
+
 /// Both calls. Throws T_TOOL_FAILURE with the library's own line where one of them fails.
 [[nodiscard]] T_HOST_ANSWER RUN_AS_HOST(const T_HOST_QUESTION& question);
 

@@ -73,20 +73,13 @@ std::vector<T_INFLUENCE_LINE> LINES_ALONG_LANE(const T_INFLUENCE_VALUES& values,
                          model.LANES.empty() ? "a picture needs a lane"
                                              : fmt::format("give a --lane of 1 to {}", model.LANES.size()));
   }
-  if (values.loads != model.COUNTS.N_UNIT_LOAD) {
-    const std::string line = fmt::format(
-        "the influence store has {} unit loads, the model {}: an included set is missing or one "
-        "too many",
-        values.loads, model.COUNTS.N_UNIT_LOAD);
-    throw T_TOOL_FAILURE(line, ADVICE_FOR(line));
-  }
   search::T_LOAD_ORD response;
   response.COLUMNS = static_cast<std::int32_t>(item.positions.size());
   response.VALUES.RESIZE(response.COLUMNS, values.loads);
   for (std::int32_t column = 1; column <= response.COLUMNS; ++column)
     for (std::int32_t load = 1; load <= values.loads; ++load)
       response.VALUES(column, load) = values.AT(load, item.positions[static_cast<std::size_t>(column - 1)]);
-  const bool is_section_item = kernel::IS_SECTION_ITEM(values.point.kind->result_kind, item.number);
+  const bool is_section_item = kernel::IS_SECTION_ITEM(values.row.kind->result_kind, item.number);
   return LINES_OF_LANE(model, response,
                        is_section_item ? results::ROW_LAYOUT::JUMP : results::ROW_LAYOUT::SIMPLE,
                        model.LANE(lane));

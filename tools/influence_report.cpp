@@ -30,7 +30,7 @@ struct T_VALUE_COLUMN {
 
 std::vector<T_VALUE_COLUMN> columns_of(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_VIEW& view) {
   std::vector<T_VALUE_COLUMN> columns;
-  for (const T_ROW_ITEM& item : values.point.items) {
+  for (const T_ROW_ITEM& item : values.row.items) {
     if (view.item && *view.item != item.number) continue;
     for (std::size_t face = 0; face < item.positions.size(); ++face) columns.push_back({&item, face});
   }
@@ -62,12 +62,12 @@ std::string record_text(const T_STORED_RECORD& record) {
 
 /// What the id is, and what the sets have of it.
 std::string heading(const T_INFLUENCE_VALUES& values) {
-  const T_STORED_POINT& point = values.point;
-  std::string text = fmt::format("{} {}", point.kind->name, point.id);
-  if (point.part > 0) text += fmt::format(", part {}", point.part);
-  text += fmt::format(" ({}) of {}\n", point.kind->meaning, values.base_path);
+  const T_INFLUENCE_ROW& row = values.row;
+  std::string text = fmt::format("{} {}", row.kind->name, row.id);
+  if (row.part > 0) text += fmt::format(", part {}", row.part);
+  text += fmt::format(" ({}) of {}\n", row.kind->meaning, values.paths.base);
   if (!values.nodes.empty()) text += fmt::format("  nodes {}\n", fmt::join(values.nodes, ", "));
-  for (const T_STORED_RECORD& record : point.records) text += fmt::format("  {}\n", record_text(record));
+  for (const T_STORED_RECORD& record : row.records) text += fmt::format("  {}\n", record_text(record));
   for (std::size_t s = 0; s < values.sets.size(); ++s) {
     const T_VOLUME_SET& set = values.sets[s];
     const auto loads = static_cast<std::int32_t>(set.load_ids.size());
@@ -76,7 +76,7 @@ std::string heading(const T_INFLUENCE_VALUES& values) {
     if (values.sets.size() > 1)
       text += fmt::format(" of the {} set", set.is_included ? "included" : "primary");
     const auto held = [s](const T_STORED_RECORD& record) -> bool { return record.held[s]; };
-    if (std::ranges::none_of(point.records, held)) text += ", which has nothing of this id: 0 throughout";
+    if (std::ranges::none_of(row.records, held)) text += ", which has nothing of this id: 0 throughout";
     text += '\n';
   }
   return text + '\n';
@@ -232,7 +232,7 @@ ordered_json sets_json(const T_INFLUENCE_VALUES& values) {
                     {"included", set.is_included},
                     {"first_load", set.first_load},
                     {"loads", set.load_ids.size()},
-                    {"has_values", std::ranges::any_of(values.point.records, held)}});
+                    {"has_values", std::ranges::any_of(values.row.records, held)}});
   }
   return sets;
 }
@@ -261,10 +261,10 @@ std::string INFLUENCE_CSV(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_VI
 }
 
 std::string INFLUENCE_JSON(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_VIEW& view) {
-  const T_STORED_POINT& point = values.point;
+  const T_INFLUENCE_ROW& row = values.row;
   const std::vector<std::int32_t> loads = loads_of(values, view);
   ordered_json records = ordered_json::array();
-  for (const T_STORED_RECORD& record : point.records)
+  for (const T_STORED_RECORD& record : row.records)
     records.push_back({{"category", store::CATEGORY(record.list)},
                        {"holds", LIST_MEANING(record.list)},
                        {"points", record.shape.points},
@@ -283,24 +283,25 @@ std::string INFLUENCE_JSON(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_V
   ordered_json load_ids = ordered_json::array();
   for (const std::int32_t load : loads) {
     load_ids.push_back(load_id(values, load));
-    ordered_json row = ordered_json::array();
-    for (const T_VALUE_COLUMN& column : shown) row.push_back(value_json(values.AT(load, column.POSITION())));
-    rows.push_back(std::move(row));
+    ordered_json of_load = ordered_json::array();
+    for (const T_VALUE_COLUMN& column : shown)
+      of_load.push_back(value_json(values.AT(load, column.POSITION())));
+    rows.push_back(std::move(of_load));
   }
-  ordered_json json{{"base", values.base_path},
-                    {"kind", point.kind->name},
-                    {"id", point.id},
+  ordered_json json{{"base", values.paths.base},
+                    {"kind", row.kind->name},
+                    {"id", row.id},
                     {"part", nullptr},
                     {"nodes", values.nodes},
                     {"sets", sets_json(values)},
                     {"records", std::move(records)},
-                    {"row_length", point.row_length},
+                    {"row_length", row.length},
                     {"columns", std::move(columns)},
                     {"shape", {loads.size(), shown.size()}},
                     {"loads", loads},
                     {"load_ids", std::move(load_ids)},
                     {"values", std::move(rows)}};
-  if (point.part > 0) json["part"] = point.part;
+  if (row.part > 0) json["part"] = row.part;
   return json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }
 

@@ -2,34 +2,32 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <vector>
 
 #include "tools/influence_items.h"
 #include "tools/volume_contents.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 
 struct T_INFLUENCE_VALUES {
-  std::string base_path;
+  T_VOLUME_PATHS paths;
   std::vector<T_VOLUME_SET> sets;
-  T_STORED_POINT point;
+  T_INFLUENCE_ROW row;
   std::vector<std::int32_t> nodes;     // of an element, as far as they are told
   std::int32_t loads = 0;              // unit loads of all sets
   std::vector<std::int32_t> load_ids;  // by load, as the solver calls it
-  std::vector<float> rows;             // [loads, row_length]
+  std::vector<float> values;           // [loads, row length]
 
   /// A position from 1 of the row of a load from 1.
   [[nodiscard]] float AT(std::int32_t load, std::int32_t position) const {
-    return rows[static_cast<std::size_t>(std::int64_t{load - 1} * point.row_length + position - 1)];
+    return values[static_cast<std::size_t>(std::int64_t{load - 1} * row.length + position - 1)];
   }
 };
 
 struct T_INFLUENCE_QUESTION {
-  std::string base_path;
-  std::optional<std::string> included{};
-  const T_STORED_KIND* kind = nullptr;
+  T_VOLUME_PATHS paths;
+  const T_KIND* kind = nullptr;
   std::int32_t id = 0;
   std::int32_t part = 1;  // of a composite bar
 };

@@ -94,7 +94,7 @@ class INSPECTOR {
   }
 
   void read_results() {
-    for (const T_KIND& kind : ALL_KINDS()) {
+    for (const T_KIND& kind : RUN_KINDS()) {
       T_RESULT_POINTS points;
       if (!is_read(READ_RESULT_POINTS(unit_, file_name(), counts(), kind, points)) || !points.held) continue;
       for (const T_ELEMENT_FILE& file : points.files)
@@ -117,12 +117,15 @@ T_INSPECTION INSPECT(const T_MODEL_FILE& file, std::int32_t most_shown) {
   return INSPECTOR(file, most_shown).READ();
 }
 
-void INSPECT_VOLUMES(const std::string& base_path, const std::optional<std::string>& included,
-                     T_INSPECTION& inspection) {
+void INSPECT_VOLUMES(const T_VOLUME_PATHS& paths, T_INSPECTION& inspection) {
   try {
     store::INFLUENCE_STORE store;
-    OPEN_STORE(store, base_path, included);
-    inspection.volumes = READ_VOLUME_CONTENTS(store, base_path, included);
+    OPEN_VOLUMES(paths, store);
+    inspection.volumes = READ_VOLUME_CONTENTS(store, paths);
+    if (!inspection.counts) return;
+    const std::string fault =
+        UNIT_LOADS_FAULT(inspection.volumes->N_LOADS(), inspection.counts->N_UNIT_LOAD, inspection.file);
+    if (!fault.empty()) inspection.volumes->notes.push_back(fault);
   } catch (const T_TOOL_FAILURE& failure) {
     inspection.failures.emplace_back(failure.what());
   }

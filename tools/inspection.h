@@ -42,8 +42,7 @@ struct T_INSPECTION {
 /// where there is no file.
 [[nodiscard]] T_INSPECTION INSPECT(const T_MODEL_FILE& file, std::int32_t most_shown);
 
-/// Adds what the influence volumes of a base path hold, together with those of an included set.
-void INSPECT_VOLUMES(const std::string& base_path, const std::optional<std::string>& included,
-                     T_INSPECTION& inspection);
+/// Adds what influence volumes hold.
+void INSPECT_VOLUMES(const T_VOLUME_PATHS& paths, T_INSPECTION& inspection);
 
 }  // namespace tools

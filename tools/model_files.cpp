@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <limits>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -45,23 +48,7 @@ std::optional<std::int32_t> code_of_name(std::string_view name, const std::vecto
   return std::nullopt;
 }
 
-/// Block directory files in the folder of a name that wasn't found.
-std::vector<std::string> files_beside(const std::string& given) {
-  namespace fs = std::filesystem;
-  fs::path folder = PATH_OF(given).parent_path();
-  if (folder.empty()) folder = ".";
-  std::vector<std::string> names;
-  std::error_code error;
-  for (fs::directory_iterator file(folder, error), end; !error && file != end; file.increment(error)) {
-    const std::string name = NAME_OF(file->path().filename());
-    if (code_of_name(name, all_codes())) names.push_back(name);
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 [[noreturn]] void fail_without_file(const std::string& given, const std::vector<std::int32_t>& codes) {
-  constexpr std::size_t MOST_NAMES = 6;
   std::vector<std::string> tried;
   if (code_of_name(given, codes)) {
     tried.push_back(given);
@@ -69,14 +56,13 @@ std::vector<std::string> files_beside(const std::string& given) {
     for (const std::int32_t code : codes)
       tried.push_back(tried.empty() ? given + extension_of(code) : extension_of(code));
   }
-  std::vector<std::string> others = files_beside(given);
-  std::string advice = "check the path; BASE is the file's path without its extension";
-  if (!others.empty()) {
-    const bool more = others.size() > MOST_NAMES;
-    if (more) others.resize(MOST_NAMES);
-    advice += fmt::format(". In that folder: {}{}", fmt::join(others, ", "), more ? ", ..." : "");
-  }
-  throw T_TOOL_FAILURE(fmt::format("there is no file {}", fmt::join(tried, ", ")), advice);
+  const auto if_directory_file = [](const std::string& name) -> std::optional<std::string> {
+    if (!code_of_name(name, all_codes())) return std::nullopt;
+    return name;
+  };
+  throw T_TOOL_FAILURE(fmt::format("there is no file {}", fmt::join(tried, ", ")),
+                       "check the path; BASE is the file's path without its extension" +
+                           NAMES_BESIDE(given, if_directory_file));
 }
 
 /// Runs cut a longer path, and would then look for another file.
@@ -128,6 +114,32 @@ T_MODEL_FILE FIND_MODEL_FILE(const std::string& given, std::optional<std::int32_
   T_MODEL_FILE file = find(given, analysis_code);
   check_length(file.base_name);
   return file;
+}
+
+void READ_MODEL_FILE(const T_MODEL_FILE& file, kernel::RECORD_FILE& unit, kernel::T_MODEL& model) {
+  constexpr std::int32_t ANY_NUMBER_OF_LANES = std::numeric_limits<std::int32_t>::max();
+  kernel::T_REQUEST request;
+  request.FILE_NAME = file.file_name;
+  request.ANALYSIS_CODE = file.analysis_code;
+  CHECK_STATUS(kernel::READ_MODEL(unit, request, ANY_NUMBER_OF_LANES, model), file.file_name);
+}
+
+std::string NAMES_BESIDE(const std::string& path,
+                         const std::function<std::optional<std::string>(const std::string&)>& name_of) {
+  namespace fs = std::filesystem;
+  constexpr std::ptrdiff_t FIRST_FEW = 6;
+  const fs::path folder = PATH_OF(path).parent_path();
+  std::set<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator file(folder.empty() ? "." : folder, error), end; !error && file != end;
+       file.increment(error)) {
+    if (std::optional<std::string> name = name_of(NAME_OF(file->path().filename())))
+      names.insert(*std::move(name));
+  }
+  if (names.empty()) return "";
+  const auto shown = std::next(names.begin(), std::min(std::ssize(names), FIRST_FEW));
+  return fmt::format(". In that folder: {}{}", fmt::join(names.begin(), shown, ", "),
+                     shown == names.end() ? "" : ", ...");
 }
 
 }  // namespace tools

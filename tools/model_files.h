@@ -1,9 +1,12 @@
-// From what the user typed to the model's block directory file.
+// From what the user typed to the model's block directory file and its tables.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+
+#include "kernel/driver.h"
 
 namespace tools {
 
@@ -25,5 +28,13 @@ struct T_MODEL_FILE {
 /// Throws T_TOOL_FAILURE where no file fits, or more than one does.
 [[nodiscard]] T_MODEL_FILE FIND_MODEL_FILE(const std::string& given,
                                            std::optional<std::int32_t> analysis_code);
+
+/// Reads its tables, which a host doesn't get; `unit` may read on. Throws T_TOOL_FAILURE where it can't.
+void READ_MODEL_FILE(const T_MODEL_FILE& file, kernel::RECORD_FILE& unit, kernel::T_MODEL& model);
+
+/// For advice on a path that leads nowhere: ". In that folder: a, b" with the first few of the names that
+/// `name_of` makes of the files beside it, or nothing.
+[[nodiscard]] std::string NAMES_BESIDE(
+    const std::string& path, const std::function<std::optional<std::string>(const std::string&)>& name_of);
 
 }  // namespace tools

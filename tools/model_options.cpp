@@ -16,4 +16,17 @@ void ADD_MODEL_OPTIONS(CLI::App& command, T_MODEL_OPTIONS& options) {
       ->type_name("CODE");
 }
 
+CLI::Option& ADD_INCLUDE_OPTION(CLI::App& command, std::string& included) {
+  const auto fault = [](const std::string& path) -> std::string {
+    const bool has_blanks = path.empty() || path.front() == ' ' || path.back() == ' ';
+    return has_blanks ? "the library takes no empty path, and none with a blank at either end" : "";
+  };
+  return *command
+              .add_option("--include", included,
+                          "Included set of influence volumes with the model's first unit loads:\n"
+                          "path and stem, or the full name of its first volume")
+              ->check(CLI::Validator(fault, ""))
+              ->type_name("BASE");
+}
+
 }  // namespace tools

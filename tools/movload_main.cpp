@@ -46,6 +46,7 @@ int run(int argc, char** argv) {
       "  movload inspect demo/bridge\n"
       "  movload envelope demo/bridge --kind simb --id 3 --item 3 --case 1\n"
       "  movload plot demo/bridge --kind simb --id 3 --item 3 --case 1 -o moment.svg\n"
+      "  movload influence demo/bridge --kind simb --id 3 --item 3\n"
       "Each command has a --help of its own. Exit codes: 0 done, 1 failed, 2 wrong usage.");
   tools::ADD_EXAMPLE_COMMAND(program);
   tools::ADD_INSPECT_COMMAND(program);

@@ -1,32 +1,18 @@
 #include "tools/result_points.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
-#include <array>
 
 #include "common/real.h"
 #include "kernel/block_file.h"
 #include "kernel/run_state.h"
 #include "results/result_members.h"
+#include "store/influence_reads.h"
+#include "tools/tool_failure.h"
 
 namespace tools {
 namespace {
-
-constexpr std::array<T_KIND, 11> KINDS{{
-    {"disp", kernel::RK_DISP, "displacement of a node"},
-    {"ldisp", kernel::RK_LDSP, "displacement of a node in its local axes"},
-    {"reac", kernel::RK_REAC, "reaction of a support node"},
-    {"lreac", kernel::RK_LRAC, "reaction of a support node in its local axes"},
-    {"simb", kernel::RK_SIMB, "result of block SIMB"},
-    {"elink", kernel::RK_ELNK, "force of an elastic link"},
-    {"nlink", kernel::RK_NLNK, "force of a nonlinear link"},
-    {"truss", kernel::RK_TRUSS, "result of a truss element"},
-    {"beam", kernel::RK_BEAM, "result of a beam element"},
-    {"plate", kernel::RK_PLATE, "result of a plate element"},
-    {"wall", kernel::RK_WALL, "result of a wall element"},
-}};
 
 constexpr std::int32_t RESULT_BLOCK_ID = 5;
 
@@ -83,42 +69,25 @@ void list_element_files(const std::string& file_name, const kernel::T_COUNTS& co
   points.held = !points.files.empty();
 }
 
-constexpr std::int32_t BEAM_ITEMS = 50;
+/// Elements that the volumes number through all kinds. Composite and virtual bars have lists and reads of
+/// their own.
+bool is_read_as_element(const T_KIND& kind) {
+  return kind.form != ROW_FORM::NODE && kind.form != ROW_FORM::COMPOSITE_BAR &&
+         kind.form != ROW_FORM::VIRTUAL_BAR;
+}
 
-/// A beam's item in the order in which modelkit writes them, which the library doesn't know of.
-std::string beam_item(std::int32_t item) {
-  constexpr std::int32_t FORCE_ITEMS = 30;
-  constexpr std::array<std::string_view, 6> FORCES{"axial force", "shear sideways", "shear",
-                                                   "torsion",     "moment",         "moment sideways"};
-  constexpr std::array<std::string_view, 4> CORNERS{"top left", "top right", "bottom left", "bottom right"};
-  constexpr std::array<std::string_view, 5> STATIONS{"just behind the start", "at 1/4", "at 1/2", "at 3/4",
-                                                     "just before the end"};
-  const bool is_force = item <= FORCE_ITEMS;
-  const auto place = static_cast<std::size_t>(is_force ? item - 1 : item - FORCE_ITEMS - 1);
-  const std::size_t station = place / (is_force ? FORCES.size() : CORNERS.size());
-  return is_force ? fmt::format("{} {}", FORCES[place % FORCES.size()], STATIONS[station])
-                  : fmt::format("stress {} {}", CORNERS[place % CORNERS.size()], STATIONS[station]);
+/// The kind of an element that was asked for under another one; null for a number that no element has.
+const T_KIND* other_kind(const store::INFLUENCE_STORE& store, std::int32_t id) {
+  const auto is_kind = [&](const T_KIND& kind) {
+    return kind.form != ROW_FORM::NODE && std::ranges::any_of(kind.lists, [&](store::LIST list) {
+             return store.MAPS().FIND_ROW(list, id) > 0;
+           });
+  };
+  const auto kind = std::ranges::find_if(ALL_KINDS(), is_kind);
+  return kind == ALL_KINDS().end() ? nullptr : &*kind;
 }
 
 }  // namespace
-
-std::span<const T_KIND> ALL_KINDS() {
-  return KINDS;
-}
-
-const T_KIND* FIND_KIND(std::string_view name_or_number) {
-  const auto kind = std::find_if(KINDS.begin(), KINDS.end(), [name_or_number](const T_KIND& row) {
-    return row.name == name_or_number || fmt::to_string(row.result_kind) == name_or_number;
-  });
-  return kind == KINDS.end() ? nullptr : &*kind;
-}
-
-std::string RESULT_MEANING(const T_KIND& kind, std::int32_t item) {
-  std::string meaning(kind.meaning);
-  if (kind.result_kind == kernel::RK_BEAM && item >= 1 && item <= BEAM_ITEMS)
-    meaning += ": " + beam_item(item);
-  return meaning;
-}
 
 bool T_RESULT_POINTS::HOLDS(std::int32_t id) const {
   if (listed) return std::find(ids.begin(), ids.end(), id) != ids.end();
@@ -127,20 +96,10 @@ bool T_RESULT_POINTS::HOLDS(std::int32_t id) const {
 }
 
 std::string T_RESULT_POINTS::IDS_IN_WORDS() const {
-  constexpr std::ptrdiff_t FIRST_FEW = 8;
-  if (listed ? ids.empty() : runs.empty()) return "none";
-  if (listed) {
-    const std::ptrdiff_t shown = std::min(FIRST_FEW, std::ssize(ids));
-    const bool more = std::ssize(ids) > shown;
-    return fmt::format("{}{}", fmt::join(ids.begin(), ids.begin() + shown, ", "),
-                       more ? fmt::format(", ... ({} in all)", ids.size()) : "");
-  }
-  std::vector<std::string> words;
-  for (const T_IDS& run : runs) {
-    words.push_back(run.first == run.last ? fmt::to_string(run.first)
-                                          : fmt::format("{} to {}", run.first, run.last));
-  }
-  return fmt::format("{}", fmt::join(words, ", "));
+  if (!listed) return RUNS_IN_WORDS(runs);
+  std::vector<std::int32_t> ascending = ids;
+  std::ranges::sort(ascending);
+  return RUNS_IN_WORDS(RUNS_OF(ascending));
 }
 
 STATUS READ_RESULT_POINTS(kernel::RECORD_FILE& unit, const std::string& file_name,
@@ -170,6 +129,49 @@ STATUS READ_RESULT_POINTS(kernel::RECORD_FILE& unit, const std::string& file_nam
   }
   if (runs > 0) points.runs = {{1, runs}};
   return {};
+}
+
+std::vector<std::int32_t> STORED_IDS(const store::INFLUENCE_STORE& store, const T_KIND& kind) {
+  std::vector<std::int32_t> ids;
+  for (const store::LIST list : kind.lists)
+    for (const store::T_NODE& node : store.ROWS(list)) ids.push_back(node.ID);
+  std::ranges::sort(ids);
+  const auto rest = std::ranges::unique(ids);
+  ids.erase(rest.begin(), rest.end());
+  return ids;
+}
+
+T_RESULT_POINTS STORED_RESULT_POINTS(const store::INFLUENCE_STORE& store, const kernel::T_COUNTS& counts,
+                                     const T_KIND& kind) {
+  T_RESULT_POINTS points;
+  points.kind = &kind;
+  points.items = results::ITEMS_OF(kind.result_kind, counts);
+  points.listed = true;
+  points.ids = STORED_IDS(store, kind);
+  points.held = !points.ids.empty();
+  return points;
+}
+
+void CHECK_STORED(const store::INFLUENCE_STORE& store, const T_KIND& kind, std::int32_t id,
+                  const std::string& base_path) {
+  const std::vector<std::int32_t> ids = STORED_IDS(store, kind);
+  if (!std::ranges::binary_search(ids, id)) {
+    const T_KIND* const other = kind.form == ROW_FORM::NODE ? nullptr : other_kind(store, id);
+    throw T_TOOL_FAILURE(
+        fmt::format("the influence volumes of {} hold no {} {}{}{}", base_path, kind.name, id,
+                    other == nullptr ? "" : "; that number is of kind ", other == nullptr ? "" : other->name),
+        ids.empty()
+            ? fmt::format("they hold none of this kind; `movload inspect {}` lists what they hold", base_path)
+            : fmt::format("give an --id that they hold: {}; `movload inspect {}` lists them by kind",
+                          RUNS_IN_WORDS(RUNS_OF(ids)), base_path));
+  }
+  if (is_read_as_element(kind) && !store::IS_STORED(store, store::READ::ELEMENT, id)) {
+    throw T_TOOL_FAILURE(
+        fmt::format("the influence volumes have the number {} for elements of several kinds, of which no "
+                    "call reads anything",
+                    id),
+        "have the solver number the elements of all kinds apart");
+  }
 }
 
 }  // namespace tools

@@ -24,6 +24,9 @@ class T_TOOL_FAILURE : public std::runtime_error {
 /// A failure of the library's readers as the line of text that a host gets for it.
 [[nodiscard]] std::string FAILURE_LINE(const STATUS& status, std::string_view file_name);
 
+/// Throws T_TOOL_FAILURE where a reader of the library has failed.
+void CHECK_STATUS(const STATUS& status, std::string_view file_name);
+
 /// What to do about a failure that the library tells by its line of text.
 [[nodiscard]] std::string ADVICE_FOR(std::string_view failure_line);
 

@@ -10,6 +10,8 @@
 #include <system_error>
 
 #include "store/m_file_mapping.h"
+#include "tools/file_names.h"
+#include "tools/result_kinds.h"
 #include "tools/tool_failure.h"
 
 namespace tools {
@@ -19,39 +21,30 @@ using store::INFLUENCE_STORE;
 using store::LIST;
 using store::T_NODE;
 
-struct T_LIST_WORDS {
-  std::string_view kind;
-  std::string_view meaning;
-};
-
 /// By list.
-constexpr std::array<T_LIST_WORDS, store::N_LISTS> LIST_WORDS{{
-    {"disp", "displacements"},
-    {"ldisp", "displacements in local axes"},
-    {"reac", "reactions"},
-    {"lreac", "reactions in local axes"},
-    {"wall", "wall forces"},
-    {"beam", "beam forces"},
-    {"elink, nlink", "link forces"},
-    {"composite", "composite bar forces"},
-    {"plate", "plate forces"},
-    {"solid", "solid forces"},
-    {"truss", "truss forces"},
-    {"simb", "SIMB results"},
-    {"truss", "truss forces, second code"},
-    {"", "truss stresses, which no call reads"},
-    {"wall", "wall stresses"},
-    {"beam", "beam stresses"},
-    {"composite", "composite bar stresses"},
-    {"virtual", "virtual bar stresses"},
-    {"plate", "plate stresses"},
-    {"solid", "solid stresses"},
-    {"", "truss stresses, second code, which no call reads"},
-}};
-
-const T_LIST_WORDS& words_of(LIST list) {
-  return LIST_WORDS[static_cast<std::size_t>(list)];
-}
+constexpr std::array<std::string_view, store::N_LISTS> MEANINGS{
+    "displacements",
+    "displacements in local axes",
+    "reactions",
+    "reactions in local axes",
+    "wall forces",
+    "beam forces",
+    "link forces",
+    "composite bar forces",
+    "plate forces",
+    "solid forces",
+    "truss forces",
+    "SIMB results",
+    "truss forces, second code",
+    "truss stresses, which no call reads",
+    "wall stresses",
+    "beam stresses",
+    "composite bar stresses",
+    "virtual bar stresses",
+    "plate stresses",
+    "solid stresses",
+    "truss stresses, second code, which no call reads",
+};
 
 /// The volumes and the load table of a set that the library has opened, so that counts and offsets hold.
 T_VOLUME_SET read_set(const std::string& base_path, bool is_included) {
@@ -73,15 +66,12 @@ T_VOLUME_SET read_set(const std::string& base_path, bool is_included) {
     // One by one: the count of a read is 32 bits of bytes, that of the table 32 bits of words.
     for (std::int32_t& id : set.load_ids) is_read = is_read && first.READ(&id, sizeof id);
   }
-  if (!is_read) {
-    const std::string reason =
-        FAILURE_LINE(STATUS::FAILED(REASON::VOLUME_CUT).IN_VOLUME(0), store::VOLUME_NAME(base_path, 1));
-    throw T_TOOL_FAILURE(reason, ADVICE_FOR(reason));
-  }
+  if (!is_read)
+    CHECK_STATUS(STATUS::FAILED(REASON::VOLUME_CUT).IN_VOLUME(0), store::VOLUME_NAME(base_path, 1));
   for (std::int32_t volume = 1; volume <= volumes; ++volume) {
     std::error_code ignored;
     std::string name = store::VOLUME_NAME(base_path, volume);
-    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(name, ignored));
+    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(PATH_OF(name), ignored));
     set.volumes.push_back({std::move(name), bytes});
   }
   return set;
@@ -162,57 +152,28 @@ std::int64_t T_VOLUME_CONTENTS::N_LOADS() const {
 }
 
 std::string_view LIST_MEANING(LIST list) {
-  return words_of(list).meaning;
+  return MEANINGS[static_cast<std::size_t>(list)];
 }
 
-std::string_view LIST_KIND(LIST list) {
-  return words_of(list).kind;
+std::string LIST_KINDS(LIST list) {
+  std::vector<std::string_view> names;
+  for (const T_KIND& kind : ALL_KINDS())
+    if (kind.lists[0] == list || kind.lists[1] == list) names.push_back(kind.name);
+  return fmt::format("{}", fmt::join(names, ", "));
 }
 
-std::vector<T_IDS> RUNS_OF(const std::vector<std::int32_t>& ids) {
-  std::vector<T_IDS> runs;
-  for (const std::int32_t id : ids) {
-    if (runs.empty() || runs.back().last + 1 != id)
-      runs.push_back({id, id});
-    else
-      runs.back().last = id;
-  }
-  return runs;
-}
-
-std::string RUNS_IN_WORDS(const std::vector<T_IDS>& runs, std::size_t most) {
-  if (runs.empty()) return "none";
-  std::vector<std::string> words;
-  for (std::size_t i = 0; i < std::min(most, runs.size()); ++i)
-    words.push_back(runs[i].first == runs[i].last ? fmt::to_string(runs[i].first)
-                                                  : fmt::format("{} to {}", runs[i].first, runs[i].last));
-  if (runs.size() > most) words.push_back(fmt::format("... {}", runs.back().last));
-  return fmt::format("{}", fmt::join(words, ", "));
-}
-
-void OPEN_STORE(INFLUENCE_STORE& store, const std::string& base_path,
-                const std::optional<std::string>& included) {
-  if (included) store.SET_INCLUDE(*included);
-  const STATUS status = store.OPEN(base_path);
-  if (status.OK()) return;
-  const std::string reason = FAILURE_LINE(status, store.FAULTY_VOLUME());
-  throw T_TOOL_FAILURE(reason, ADVICE_FOR(reason));
-}
-
-std::vector<T_VOLUME_SET> READ_VOLUME_SETS(const std::string& base_path,
-                                           const std::optional<std::string>& included) {
+std::vector<T_VOLUME_SET> READ_VOLUME_SETS(const T_VOLUME_PATHS& paths) {
   std::vector<T_VOLUME_SET> sets;
-  if (included) sets.push_back(read_set(*included, true));
-  sets.push_back(read_set(base_path, false));
+  if (!paths.included.empty()) sets.push_back(read_set(paths.included, true));
+  sets.push_back(read_set(paths.base, false));
   for (std::size_t i = 1; i < sets.size(); ++i)
     sets[i].first_load = sets[i - 1].first_load + static_cast<std::int32_t>(sets[i - 1].load_ids.size());
   return sets;
 }
 
-T_VOLUME_CONTENTS READ_VOLUME_CONTENTS(INFLUENCE_STORE& store, const std::string& base_path,
-                                       const std::optional<std::string>& included) {
+T_VOLUME_CONTENTS READ_VOLUME_CONTENTS(INFLUENCE_STORE& store, const T_VOLUME_PATHS& paths) {
   T_VOLUME_CONTENTS contents;
-  contents.sets = READ_VOLUME_SETS(base_path, included);
+  contents.sets = READ_VOLUME_SETS(paths);
   CONTENTS_READER(store).READ(contents);
   return contents;
 }

@@ -3,13 +3,13 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "store/m_influence.h"
-#include "tools/result_points.h"
+#include "tools/id_runs.h"
+#include "tools/volume_files.h"
 
 namespace tools {
 
@@ -49,33 +49,21 @@ struct T_VOLUME_CONTENTS {
   std::int32_t composite_parts = 0;      // of every composite bar; 0: there are none
   std::int32_t virtual_bar_mark = 0;     // above 0: there are virtual bars
   std::int64_t elements_with_nodes = 0;  // elements of the lists whose nodes are told
-  std::vector<std::string> notes;        // where two sets don't fit each other
+  std::vector<std::string> notes;        // where two sets don't fit each other, or the model
 
   [[nodiscard]] std::int64_t N_LOADS() const;
 };
 
-/// What a list holds in words, "beam forces", and the name of its kind for the command line, empty for one
+/// What a list holds in words, "beam forces", and the names of its kinds for the command line, empty for one
 /// that no call reads.
 [[nodiscard]] std::string_view LIST_MEANING(store::LIST list);
-[[nodiscard]] std::string_view LIST_KIND(store::LIST list);
-
-/// Ids as runs without gaps.
-[[nodiscard]] std::vector<T_IDS> RUNS_OF(const std::vector<std::int32_t>& ids);
-/// "1 to 355, 400", of more than `most` runs the first ones and the last id.
-[[nodiscard]] std::string RUNS_IN_WORDS(const std::vector<T_IDS>& runs, std::size_t most = 4);
-
-/// Opens the store of a base path and, where there is one, of an included set. Throws T_TOOL_FAILURE with the
-/// volume's name where it can't be opened.
-void OPEN_STORE(store::INFLUENCE_STORE& store, const std::string& base_path,
-                const std::optional<std::string>& included);
+[[nodiscard]] std::string LIST_KINDS(store::LIST list);
 
 /// The sets of a store that these paths have opened, as load numbers run.
-[[nodiscard]] std::vector<T_VOLUME_SET> READ_VOLUME_SETS(const std::string& base_path,
-                                                         const std::optional<std::string>& included);
+[[nodiscard]] std::vector<T_VOLUME_SET> READ_VOLUME_SETS(const T_VOLUME_PATHS& paths);
 
 /// The contents of such a store.
 [[nodiscard]] T_VOLUME_CONTENTS READ_VOLUME_CONTENTS(store::INFLUENCE_STORE& store,
-                                                     const std::string& base_path,
-                                                     const std::optional<std::string>& included);
+                                                     const T_VOLUME_PATHS& paths);
 
 }  // namespace tools

@@ -3,10 +3,11 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "tools/file_names.h"
+#include "tools/result_kinds.h"
 #include "tools/text_layout.h"
 
 namespace tools {
@@ -15,7 +16,7 @@ namespace {
 using nlohmann::ordered_json;
 
 std::string file_of(const std::string& path) {
-  return std::filesystem::path(path).filename().string();
+  return NAME_OF(PATH_OF(path).filename());
 }
 
 std::int32_t last_load(const T_VOLUME_SET& set) {
@@ -76,7 +77,7 @@ std::string lists_text(const T_VOLUME_CONTENTS& contents) {
   for (const T_STORED_LIST& list : contents.lists) {
     std::vector<std::string> cells{fmt::to_string(store::CATEGORY(list.list)),
                                    std::string(LIST_MEANING(list.list)),
-                                   LIST_KIND(list.list).empty() ? "-" : std::string(LIST_KIND(list.list)),
+                                   LIST_KINDS(list.list).empty() ? "-" : LIST_KINDS(list.list),
                                    shapes_text(list.shapes, &T_RECORD_SHAPE::points),
                                    shapes_text(list.shapes, &T_RECORD_SHAPE::items),
                                    fmt::to_string(list.count)};
@@ -109,7 +110,7 @@ ordered_json list_json(const T_STORED_LIST& list) {
     shapes.push_back({{"points", shape.points}, {"items", shape.items}});
   return {{"category", store::CATEGORY(list.list)},
           {"holds", LIST_MEANING(list.list)},
-          {"kind", LIST_KIND(list.list)},
+          {"kind", LIST_KINDS(list.list)},
           {"records", std::move(shapes)},
           {"ids", list.count},
           {"ids_by_set", list.held},

@@ -67,15 +67,13 @@ TEST_F(InfluenceVolumes, ItemsHaveTheValuesAndTheLinesOfARun) {
 
     const auto check = [&](std::string_view kind, const std::vector<modelkit::T_RESPONSE>& responses) {
       for (const modelkit::T_RESPONSE& result : responses) {
-        T_INFLUENCE_QUESTION question{
-            .base_path = path("model"), .kind = FIND_STORED_KIND(kind), .id = result.id};
-        if (form.included_loads > 0) question.included = path("included");
+        T_INFLUENCE_QUESTION question{.paths = {path("model")}, .kind = FIND_KIND(kind), .id = result.id};
+        if (form.included_loads > 0) question.paths.included = path("included");
         const T_INFLUENCE_VALUES values = READ_INFLUENCE(question);
         request.RESULT_KIND = question.kind->result_kind;
         request.RESULT_ID = result.id;
-        EXPECT_EQ(std::ssize(values.point.items), results::ITEMS_OF(request.RESULT_KIND, model.COUNTS))
-            << kind;
-        for (const T_ROW_ITEM& item : values.point.items) {
+        EXPECT_EQ(std::ssize(values.row.items), results::ITEMS_OF(request.RESULT_KIND, model.COUNTS)) << kind;
+        for (const T_ROW_ITEM& item : values.row.items) {
           request.RESULT_ITEM = item.number;
           results::T_RESPONSE response;
           ASSERT_TRUE(

@@ -186,15 +186,36 @@ for question in "--kind disp --id 176 --item 3 --case 6" "--kind beam --id 18 --
 done
 expect 1 envelope $split --kind disp --id 176 --item 3 --case 1 --store
 says err "an included set is missing"
-says err "--include BASE. In that folder: ${split}_included"
+says err "--include BASE. In that folder: bridge_included"
 expect 1 plot $split --kind disp --id 176 --item 3 --case 1 --store --include nowhere -o picture.svg
-says err "check --include"
+says err "there is no influence volume nowhere_000.BLK"
 expect 2 envelope $split --kind disp --id 176 --item 3 --case 1 --include ${split}_included
 expect 2 envelope $split --kind disp --id 176 --item 3 --case 1 --store --include " "
 expect 1 envelope $bridge --kind beam --id 31 --item 1 --case 1 --store
 says err "give an --id that they hold: 11 to 25"
 expect 0 envelope $bridge --kind reac --id 6 --item 3 --case 1 --store
 says err "the files hold no reac 6; ids: 1 to 5, 101 to 105, 251 to 255, 351 to 355"
+
+# What volumes hold, and their values: the shear jumps by 1 under the load on its section.
+expect 0 inspect $split --include ${split}_included --json
+json "[(s['first_load'], s['loads']) for s in answer['influence_volumes']['sets']] == [(1, 212), (213, 213)]"
+json "{l['kind'] for l in answer['influence_volumes']['lists']} == {'disp', 'reac', 'simb', 'truss', 'beam', 'plate'}"
+expect 0 inspect ${split}_included
+says out "Influence volumes"
+narrow
+shear="influence $split --kind beam --id 18 --item 15"
+# shellcheck disable=SC2086 # the arguments are words
+{
+  expect 0 $shear --include ${split}_included --load 178 --json
+  json "abs(answer['values'][0][1] - answer['values'][0][0] - 1) < 1e-6"
+  expect 0 $shear --include ${split}_included --lane 2 --picture line.svg
+  says line.svg "jumps at 115.000 m"
+  expect 0 $shear
+  says out "and 183 more"
+  says err "--include BASE. In that folder: bridge_included"
+}
+expect 1 influence $bridge --kind beam --id 41
+says err "that number is of kind truss"
 expect 1 example bridges/split
 expect 0 example bridges/split --force
 if [[ -e ${split}_included_000.BLK ]]; then fault "an included set of another model is left"; fi
