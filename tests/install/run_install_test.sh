@@ -40,7 +40,7 @@ unpack() {
   quietly "$cpack" --config "$build_folder/CPackConfig.cmake" -B "$work/packages"
   version=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")/\1/p' "$build_folder/CPackConfig.cmake")
   for deb in "$work"/packages/*.deb; do
-    dpkg-deb -x "$deb" "$work/root"
+    dpkg-deb -x "$deb" "$work/unpacked"
     if [[ $deb == */libmovload1_* ]]; then
       expect "libstdc++6" "$(dpkg-deb -f "$deb" Depends)"
       expect "libmovload 1 libmovload1 (>= $version)" "$(dpkg-deb -I "$deb" shlibs)"
@@ -49,12 +49,12 @@ unpack() {
       expect "libmovload1 (= $version)" "$(dpkg-deb -f "$deb" Depends)"
     fi
   done
-  [[ -f $work/root/usr/include/movload.h ]] && ls "$work"/packages/libmovload1_*.deb >/dev/null
+  [[ -f $work/unpacked/usr/include/movload.h ]] && ls "$work"/packages/libmovload1_*.deb >/dev/null
 }
 
 if [[ -n $cpack ]]; then
   unpack
-  prefix=$work/root/usr
+  prefix=$work/unpacked/usr
 else
   quietly "$cmake" --install "$build_folder" --prefix "$work/first"
   mv "$work/first" "$work/moved"
