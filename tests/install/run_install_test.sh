@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the C example as hosts do, as an outside CMake project and with pkg-config, against an installed build: one
-# that was installed into a fresh folder and moved, or with CPACK the contents of the Debian packages. Both programs
-# must run; where the command line tool is installed, they run on its example bridge.
+# that was installed into a fresh folder and moved, or with CPACK the contents of the Debian packages or of the archive
+# for Windows. Both programs must run; where the command line tool is installed, they run on its example bridge.
 # Usage: run_install_test.sh SOURCE_FOLDER BUILD_FOLDER CMAKE GENERATOR C_COMPILER [CPACK [TOOLCHAIN]], the last for a
 # build for Windows, whose programs run under wine.
 set -euo pipefail
@@ -34,10 +34,9 @@ expect() {
   fi
 }
 
-# Each package has what its name says, and depends on the library and on what that needs.
-unpack() {
+# unpack_packages: each has what its name says, and depends on the library and on what that needs.
+unpack_packages() {
   local deb version
-  quietly "$cpack" --config "$build_folder/CPackConfig.cmake" -B "$work/packages"
   version=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")/\1/p' "$build_folder/CPackConfig.cmake")
   for deb in "$work"/packages/*.deb; do
     dpkg-deb -x "$deb" "$work/unpacked"
@@ -53,7 +52,14 @@ unpack() {
 }
 
 if [[ -n $cpack ]]; then
-  unpack
+  quietly "$cpack" --config "$build_folder/CPackConfig.cmake" -B "$work/packages"
+fi
+if [[ -n $cpack && -n $toolchain ]]; then
+  mkdir "$work/unpacked"
+  (cd "$work/unpacked" && "$cmake" -E tar xf "$work"/packages/*.zip)
+  prefix=$(echo "$work"/unpacked/movload-*)
+elif [[ -n $cpack ]]; then
+  unpack_packages
   prefix=$work/unpacked/usr
 else
   quietly "$cmake" --install "$build_folder" --prefix "$work/first"
