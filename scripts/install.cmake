@@ -14,8 +14,9 @@ if(WIN32)
   install(FILES ${PROJECT_BINARY_DIR}/movload.def DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 endif()
 install(FILES include/movload.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+# Published bridges are for this tree alone: their models come from modelkit.
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
-  PATTERN __pycache__ EXCLUDE)
+  PATTERN __pycache__ EXCLUDE PATTERN published_bridges EXCLUDE)
 
 # The library needs nothing that its users would have to find first, so that the exported target is the whole
 # package config.
