@@ -3,17 +3,21 @@
 # of the inner beam: its moment at midspan of the main span and over the first pier, and its shear behind that pier,
 # each under HA alone and with an HB on the bridge; then for a reaction, from either form of the model's files, and for
 # influence values. It prints the envelopes and draws their loadings.
+# Usage: demo.sh [MOVLOAD FOLDER], a program that is there already, and a folder for what it writes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/packages.sh
-install_missing "${BUILD_PACKAGES[@]}"
 install_gnuplot
 
-build=build/demo
-cmake --preset release -B "$build" -DMOVLOAD_TESTS=OFF -DMOVLOAD_BENCH=OFF
-cmake --build "$build" -j "${JOBS:-$(nproc)}"
+build=${2:-build/demo}
+movload=${1:-$build/tools/movload}
+if (($# == 0)); then
+  install_missing "${BUILD_PACKAGES[@]}"
+  cmake --preset release -B "$build" -DMOVLOAD_TESTS=OFF -DMOVLOAD_BENCH=OFF
+  cmake --build "$build" -j "${JOBS:-$(nproc)}"
+fi
+mkdir -p "$build"
 
-movload=$build/tools/movload
 example=$build/example
 "$movload" example "$example" --force >"$example.txt"
 printf '\n%s\n' "$(head -n 1 "$example.txt")"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library and its tools for 64-bit Windows, and runs the test suite under wine.
-# Then the Linux and the Windows build answer the same questions about the same files, and their answers are compared.
+# Then the Linux and the Windows build answer the same questions about the same files, and their answers are compared;
+# at last comes the demo, also under wine.
 # JOBS=n builds and tests with n processes instead of one a processor.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -30,7 +31,5 @@ echo "As they are:"
 echo "With the power function of Windows on both:"
 "$linux" equal "$answers/linux-rounded" "$answers/windows"
 
-echo "== The command line program"
-movload=build/windows/bin/movload
-"$movload" example build/windows/example --force >build/windows/example.txt
-"$movload" envelope build/windows/example/bridge --kind reac --id 101 --item 3 --case 7
+echo "== The demo"
+scripts/demo.sh build/windows/bin/movload build/windows/demo
