@@ -7,29 +7,14 @@
 #include <limits>
 
 #include "fuzz/target.h"
+#include "tests/host/result_items.h"
 
 namespace fuzz {
 namespace {
 
 using modelkit::T_MODEL;
-using modelkit::T_RESPONSE;
+using plain::KINDS;
 
-struct T_KIND {
-  std::int32_t CODE;
-  std::vector<T_RESPONSE> T_MODEL::*RESPONSES;
-  std::int32_t ITEMS;  // 0: by the response
-};
-constexpr std::array<T_KIND, 11> KINDS{{{MOVLOAD_RK_DISP, &T_MODEL::disp, 0},
-                                        {MOVLOAD_RK_LDSP, &T_MODEL::ldisp, 0},
-                                        {MOVLOAD_RK_REAC, &T_MODEL::reac, 0},
-                                        {MOVLOAD_RK_LRAC, &T_MODEL::lrac, 0},
-                                        {MOVLOAD_RK_SIMB, &T_MODEL::simb, 12},
-                                        {MOVLOAD_RK_ELNK, &T_MODEL::elnk, 12},
-                                        {MOVLOAD_RK_NLNK, &T_MODEL::nlnk, 12},
-                                        {MOVLOAD_RK_TRUSS, &T_MODEL::trusses, 2},
-                                        {MOVLOAD_RK_BEAM, &T_MODEL::beams, 50},
-                                        {MOVLOAD_RK_PLATE, &T_MODEL::plates, 0},
-                                        {MOVLOAD_RK_WALL, &T_MODEL::walls, 105}}};
 constexpr std::array<std::int32_t, 14> ODD{0,
                                            -1,
                                            4,
@@ -75,19 +60,16 @@ void expect_records(const host::ARGUMENTS& got) {
 }  // namespace
 
 T_QUESTION QUESTION_OF(const T_MODEL& model, const T_STEP& step) {
-  const T_KIND& kind = KINDS[step.TARGET % KINDS.size()];
-  T_QUESTION question{.KIND = kind.CODE, .IS_OF_MODEL = true};
+  const plain::KIND& kind = KINDS[step.TARGET % KINDS.size()];
+  T_QUESTION question{.KIND = kind.RESULT_KIND, .IS_OF_MODEL = true};
   const auto& responses = model.*kind.RESPONSES;
-  std::int32_t items = std::max(kind.ITEMS, 1);
   if (responses.empty() || is_odd(step.A)) {
     question.ID = odd(static_cast<std::uint16_t>(step.A / 16U));
     question.IS_OF_MODEL = false;
   } else {
-    const T_RESPONSE& response = responses[step.A % responses.size()];
-    question.ID = response.id;
-    if (kind.ITEMS == 0) items = static_cast<std::int32_t>(response.values.size());
+    question.ID = responses[step.A % responses.size()].id;
   }
-  question.ITEM = 1 + step.B % items;
+  question.ITEM = 1 + step.B % std::max(plain::ITEMS_OF(kind, model), 1);
   if (step.B >= 0xF000) {
     question.ITEM = odd(step.B);
     question.IS_OF_MODEL = false;
