@@ -8,12 +8,8 @@ install_missing "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${CHECK_PACKAGES[@
 jobs=${JOBS:-$(nproc)}
 
 cmake --preset release >/dev/null
-folders=()
-for folder in exports kernel results search store; do
-  if [[ -d $folder ]]; then folders+=("$folder"); fi
-done
 # A source of another platform has no compile command here.
-find "${folders[@]}" -name '*.cpp' -not -name '*_windows.cpp' -print0 | sort -z |
+find exports kernel results search store -name '*.cpp' -not -name '*_windows.cpp' -print0 | sort -z |
   xargs -0 -n 1 -P "$jobs" clang-tidy -p build/release --quiet --extra-arg=-Wno-unknown-warning-option \
     2> >(grep -vE '^[0-9]+ warnings? (generated|treated)|^Suppressed|^Use -' >&2)
 scripts/cppcheck.sh
