@@ -6,7 +6,7 @@ TEST_PACKAGES=(abigail-tools binutils libbenchmark-dev libgtest-dev pkgconf pyth
 DEB_PACKAGES=(dpkg-dev file help2man)
 CHECK_PACKAGES=(clang-format clang-tidy cppcheck)
 COVERAGE_PACKAGES=(gcovr)
-FUZZ_PACKAGES=(clang libclang-rt-14-dev libgtest-dev)
+FUZZ_PACKAGES=(clang libclang-rt-14-dev libgtest-dev llvm)
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64)
 MEMORY_PACKAGES=(libc6-dbg valgrind)
 

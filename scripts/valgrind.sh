@@ -15,7 +15,7 @@ trap 'rm -r "$files"' EXIT
 check() { valgrind --quiet --leak-check=full --errors-for-leak-kinds=definite,possible --error-exitcode=1 "$@"; }
 
 # The judges of the searches try everything, and other tests of some work do little in memory.
-slow='*bitwise*:*bounds*hold*:*equal*:*very_many*:*4_GB*'
+slow='*bitwise*:*bounds*hold*:*equal*:*very_many*:*4_GB*:*4_gb*'
 for subject in store search kernel; do
   echo "== $subject"
   check "build/release/tests/${subject}_tests" --gtest_brief=1 --gtest_filter="-$slow"
