@@ -167,6 +167,13 @@ TEST_F(InfluenceVolumes, TwoSetsAreShownAsOne) {
       EXPECT_EQ(values["values"][0][static_cast<std::size_t>(v - 1)], 5000 + before + v) << kind;
   }
   EXPECT_EQ(answer("influence " + path("own") + " --kind solid --id 32")["nodes"], (std::vector{2, 7, 9}));
+
+  modelkit::T_VOLUME_BLOCK stresses{.tag = modelkit::STREAM_ELEMENTS, .ids = {40}, .result_code = 312101};
+  stresses.item_codes.assign(6, 1);
+  stresses.data.assign(6, 8);
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{stresses}}}, path("stresses_alone"));
+  EXPECT_EQ(run("influence " + path("stresses_alone") + " --kind solid --id 40 --item 30 --csv"),
+            "load,load_id,item_30\n1,1,8\n");
 }
 
 TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
