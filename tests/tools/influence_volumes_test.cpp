@@ -187,6 +187,8 @@ TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
   says(run("influence " + path("own") + " --kind disp --id 2 --load 4"), "--load of 1 to 3");
   says(run("influence " + path("own") + " --kind composite --id 30 --part 3"), "--part of 1 to 2");
   says(run("influence " + path("ow") + " --kind disp --id 2"), "In that folder: more, own");
+  says(run("influence " + path("own") + " --kind disp --id 2 --include " + path("own_000.BLK")),
+       "the same one");
   std::filesystem::resize_file(path("more_001.BLK"), 60);
   for (const char* command : {"inspect ", "influence --kind disp --id 2 "})
     says(run(command + path("own") + " --include " + path("more")), "more_001.BLK");
