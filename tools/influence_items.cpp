@@ -104,8 +104,8 @@ class ROW_MAKER {
       for (std::int32_t i = 2; i <= 5; ++i) add(fmt::format("stress {} {}", i, station));
   }
 
-  /// The columns of the items 1 to 30 of beams and walls, of which those between the ends have two, and of the
-  /// stresses of beams behind them.
+  /// The columns of the items 1 to 30 of beams and walls, of which those between the ends have two, and of
+  /// the stresses of beams behind them.
   static std::vector<std::int32_t> columns_of(std::int32_t item) {
     if (item <= 6) return {item};
     if (item <= 24) return {2 * item - 7, 2 * item - 6};

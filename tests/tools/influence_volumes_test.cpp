@@ -205,6 +205,9 @@ TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
   modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{others}}}, path("others"));
   says(run("inspect " + path("nodes") + " --include " + path("others")),
        "2 ids of the included set behind the last one");
+  others.ids = {5, 7, 6};
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{others}}}, path("others"));
+  says(run("inspect " + path("others")), "the ids don't ascend, 6 comes behind 7");
 }
 
 }  // namespace
