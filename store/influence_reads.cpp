@@ -270,8 +270,8 @@ class READER {
     return node != nullptr && node->VOLUME > 0 && store_.SETS()[set].N_LOADS > 0 ? node : nullptr;
   }
 
-  /// Whether every position is about to be written. The parts may overlap where the sets disagree on the points
-  /// of a plate.
+  /// Whether every position is about to be written. The parts may overlap where the sets disagree on the
+  /// points of a plate.
   [[nodiscard]] bool fills_rows(const std::array<T_ROW_MAP, 2>& maps) const {
     for (std::int32_t at = 0; at < read_.POSITIONS; ++at) {
       if (!maps[0].HAS(at) && !maps[1].HAS(at)) return false;
@@ -402,10 +402,11 @@ STATUS READ_ALL(INFLUENCE_STORE& store, const T_READ& read, float* rows) {
 
 bool IS_STORED(const INFLUENCE_STORE& store, READ kind, std::int32_t id) noexcept {
   if (!store.IS_OPEN()) return false;
-  const T_PART part = find_parts(store, {kind, id, 0, 1}).front();
-  if (kind != READ::REAC && kind != READ::LREAC) return part.ROW > 0;
+  const T_PARTS parts = find_parts(store, {kind, id, 0, 1});
+  // An element may have stresses alone.
+  if (kind != READ::REAC && kind != READ::LREAC) return parts[0].ROW > 0 || parts[1].ROW > 0;
   // An included set's support may have a row of another that the primary set has in its place.
-  const std::span<const T_NODE> supports = store.ROWS(part.SOURCE);
+  const std::span<const T_NODE> supports = store.ROWS(parts[0].SOURCE);
   return std::any_of(supports.begin(), supports.end(), [id](const T_NODE& node) { return node.ID == id; });
 }
 

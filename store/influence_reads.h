@@ -55,7 +55,8 @@ STATUS READ_ONE(INFLUENCE_STORE& store, const T_READ& read, std::int32_t load, f
 /// read.
 STATUS READ_ALL(INFLUENCE_STORE& store, const T_READ& read, float* rows);
 
-/// Whether a node has a row for the kind of result; of reactions, whether the primary set lists the support.
+/// Whether a read finds a record of the node or element, and so none of an element of two families; of
+/// reactions, whether the primary set lists the support.
 [[nodiscard]] bool IS_STORED(const INFLUENCE_STORE& store, READ kind, std::int32_t id) noexcept;
 
 }  // namespace store

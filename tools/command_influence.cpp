@@ -1,7 +1,6 @@
 #include "tools/command_influence.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

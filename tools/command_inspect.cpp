@@ -57,7 +57,8 @@ void run(const T_INSPECT_OPTIONS& options) {
   if (inspection.failures.empty()) return;
   for (std::size_t i = 0; i + 1 < inspection.failures.size(); ++i)
     fmt::print(stderr, "movload: {}\n", inspection.failures[i]);
-  throw T_TOOL_FAILURE(inspection.failures.back(), ADVICE_FOR(inspection.failures.back()));
+  throw T_TOOL_FAILURE(inspection.failures.back(),
+                       ADVICE_FOR(inspection.failures.back(), {options.model.base, options.included}));
 }
 
 }  // namespace

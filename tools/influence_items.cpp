@@ -104,7 +104,8 @@ class ROW_MAKER {
       for (std::int32_t i = 2; i <= 5; ++i) add(fmt::format("stress {} {}", i, station));
   }
 
-  /// The columns of the items 1 to 30 of beams and walls: between the ends they have two.
+  /// The columns of the items 1 to 30 of beams and walls, of which those between the ends have two, and of
+  /// the stresses of beams behind them.
   static std::vector<std::int32_t> columns_of(std::int32_t item) {
     if (item <= 6) return {item};
     if (item <= 24) return {2 * item - 7, 2 * item - 6};
@@ -116,8 +117,7 @@ class ROW_MAKER {
     constexpr std::int32_t ITEMS = 50;
     row_.length = stresses_ ? 68 : 48;
     for (std::int32_t item = 1; item <= (stresses_ ? ITEMS : FORCE_ITEMS); ++item) {
-      row_.items.push_back({item, BEAM_ITEM_MEANING(item),
-                            item <= FORCE_ITEMS ? columns_of(item) : std::vector{item + FORCE_ITEMS - 12}});
+      row_.items.push_back({item, BEAM_ITEM_MEANING(item), columns_of(item)});
     }
   }
 

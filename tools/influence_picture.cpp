@@ -3,9 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <optional>
 
 #include "kernel/driver.h"
@@ -26,7 +24,7 @@ constexpr T_FONT PLAIN{12.0};
 constexpr T_FONT GREY{11.0, false, "#555555"};
 constexpr std::array<std::string_view, 4> COLOURS{"#000000", "#1f6fb2", "#c8641a", "#3a8a3a"};
 
-/// Of a point where the line jumps the value that counts for an extreme.
+/// The greatest or the least ordinate of a line, on either side of a jump.
 struct T_EXTREME {
   double x = 0.0;
   double ordinate = 0.0;

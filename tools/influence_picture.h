@@ -12,8 +12,8 @@
 
 namespace tools {
 
-/// The lines of an item along a lane from 1: one, or those of the planes of a straddle lane. Throws
-/// T_TOOL_FAILURE where the model hasn't the lane, or other unit loads than the volumes.
+/// The lines of an item along a lane from 1 of a model with as many unit loads as the volumes: one, or those
+/// of the planes of a straddle lane. Throws T_TOOL_FAILURE where the model hasn't the lane.
 [[nodiscard]] std::vector<T_INFLUENCE_LINE> LINES_ALONG_LANE(const T_INFLUENCE_VALUES& values,
                                                              const T_ROW_ITEM& item,
                                                              const kernel::T_MODEL& model, std::int32_t lane);

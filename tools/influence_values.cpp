@@ -1,7 +1,5 @@
 #include "tools/influence_values.h"
 
-#include <limits>
-
 #include "movload.h"
 #include "store/influence_reads.h"
 #include "tools/host_run.h"

@@ -49,15 +49,15 @@ struct T_VOLUME_CONTENTS {
   std::int32_t composite_parts = 0;      // of every composite bar; 0: there are none
   std::int32_t virtual_bar_mark = 0;     // above 0: there are virtual bars
   std::int64_t elements_with_nodes = 0;  // elements of the lists whose nodes are told
-  std::vector<std::string> notes;        // where two sets don't fit each other, or the model
+  std::vector<std::string> notes;        // what a writer hasn't seen to, and where sets don't fit
 
   [[nodiscard]] std::int64_t N_LOADS() const;
 };
 
-/// What a list holds in words, "beam forces", and the names of its kinds for the command line, empty for one
+/// What a list holds in words, "beam forces", and the names of its kinds for the command line, none for one
 /// that no call reads.
 [[nodiscard]] std::string_view LIST_MEANING(store::LIST list);
-[[nodiscard]] std::string LIST_KINDS(store::LIST list);
+[[nodiscard]] std::vector<std::string_view> LIST_KINDS(store::LIST list);
 
 /// The sets of a store that these paths have opened, as load numbers run.
 [[nodiscard]] std::vector<T_VOLUME_SET> READ_VOLUME_SETS(const T_VOLUME_PATHS& paths);

@@ -70,7 +70,17 @@ std::optional<std::string> FIND_VOLUME_SET(const std::string& given) {
 }
 
 T_VOLUME_PATHS FIND_VOLUME_PATHS(const std::string& given, const std::string& included) {
-  return {need_set(given), included.empty() ? "" : need_set(included)};
+  T_VOLUME_PATHS paths{need_set(given)};
+  if (included.empty()) return paths;
+  paths.included = need_set(included);
+  const std::string first = FIRST_VOLUME(paths.base);
+  std::error_code ignored;
+  // Two halves that are equally long would pass for the whole.
+  if (std::filesystem::equivalent(PATH_OF(first), PATH_OF(FIRST_VOLUME(paths.included)), ignored)) {
+    throw T_TOOL_FAILURE(fmt::format("{} is of the primary set; --include names the same one", first),
+                         "name the set that holds the other unit loads, or leave out --include");
+  }
+  return paths;
 }
 
 void OPEN_VOLUMES(const T_VOLUME_PATHS& paths, store::INFLUENCE_STORE& store) {

@@ -26,7 +26,7 @@ struct T_VOLUME_PATHS {
 [[nodiscard]] std::optional<std::string> FIND_VOLUME_SET(const std::string& given);
 
 /// The sets that the user has named, of which `included` may be empty. Throws T_TOOL_FAILURE, which names the
-/// sets in that folder, where there is none.
+/// sets in that folder, where there is none, and for the same set twice.
 [[nodiscard]] T_VOLUME_PATHS FIND_VOLUME_PATHS(const std::string& given, const std::string& included);
 
 /// Opens the sets as a host does. Throws T_TOOL_FAILURE with the volume's name where one can't be read.

@@ -75,9 +75,10 @@ std::string lists_text(const T_VOLUME_CONTENTS& contents) {
   headings.emplace_back("<--id");
   T_TEXT_TABLE table(headings);
   for (const T_STORED_LIST& list : contents.lists) {
+    const std::vector<std::string_view> kinds = LIST_KINDS(list.list);
     std::vector<std::string> cells{fmt::to_string(store::CATEGORY(list.list)),
                                    std::string(LIST_MEANING(list.list)),
-                                   LIST_KINDS(list.list).empty() ? "-" : LIST_KINDS(list.list),
+                                   kinds.empty() ? "-" : fmt::format("{}", fmt::join(kinds, ", ")),
                                    shapes_text(list.shapes, &T_RECORD_SHAPE::points),
                                    shapes_text(list.shapes, &T_RECORD_SHAPE::items),
                                    fmt::to_string(list.count)};
@@ -110,7 +111,7 @@ ordered_json list_json(const T_STORED_LIST& list) {
     shapes.push_back({{"points", shape.points}, {"items", shape.items}});
   return {{"category", store::CATEGORY(list.list)},
           {"holds", LIST_MEANING(list.list)},
-          {"kind", LIST_KINDS(list.list)},
+          {"kinds", LIST_KINDS(list.list)},
           {"records", std::move(shapes)},
           {"ids", list.count},
           {"ids_by_set", list.held},

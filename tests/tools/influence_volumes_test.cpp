@@ -167,6 +167,13 @@ TEST_F(InfluenceVolumes, TwoSetsAreShownAsOne) {
       EXPECT_EQ(values["values"][0][static_cast<std::size_t>(v - 1)], 5000 + before + v) << kind;
   }
   EXPECT_EQ(answer("influence " + path("own") + " --kind solid --id 32")["nodes"], (std::vector{2, 7, 9}));
+
+  modelkit::T_VOLUME_BLOCK stresses{.tag = modelkit::STREAM_ELEMENTS, .ids = {40}, .result_code = 312101};
+  stresses.item_codes.assign(6, 1);
+  stresses.data.assign(6, 8);
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{stresses}}}, path("stresses_alone"));
+  EXPECT_EQ(run("influence " + path("stresses_alone") + " --kind solid --id 40 --item 30 --csv"),
+            "load,load_id,item_30\n1,1,8\n");
 }
 
 TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
@@ -180,6 +187,8 @@ TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
   says(run("influence " + path("own") + " --kind disp --id 2 --load 4"), "--load of 1 to 3");
   says(run("influence " + path("own") + " --kind composite --id 30 --part 3"), "--part of 1 to 2");
   says(run("influence " + path("ow") + " --kind disp --id 2"), "In that folder: more, own");
+  says(run("influence " + path("own") + " --kind disp --id 2 --include " + path("own_000.BLK")),
+       "the same one");
   std::filesystem::resize_file(path("more_001.BLK"), 60);
   for (const char* command : {"inspect ", "influence --kind disp --id 2 "})
     says(run(command + path("own") + " --include " + path("more")), "more_001.BLK");
@@ -196,6 +205,9 @@ TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
   modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{others}}}, path("others"));
   says(run("inspect " + path("nodes") + " --include " + path("others")),
        "2 ids of the included set behind the last one");
+  others.ids = {5, 7, 6};
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{others}}}, path("others"));
+  says(run("inspect " + path("others")), "the ids don't ascend, 6 comes behind 7");
 }
 
 }  // namespace
