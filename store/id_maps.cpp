@@ -20,10 +20,6 @@ void T_GROUP_TABLE::SORT() {
   }
 }
 
-void T_GROUP_TABLE::CLEAR() noexcept {
-  *this = {};
-}
-
 std::span<const T_GROUP_TABLE::T_GROUP> T_GROUP_TABLE::groups_of(std::int32_t key) const noexcept {
   const auto first = std::partition_point(groups_.begin(), groups_.end(),
                                           [key](const T_GROUP& group) { return group.KEY < key; });

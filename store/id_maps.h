@@ -23,7 +23,6 @@ class T_GROUP_TABLE {
   void ADD_MEMBERS(std::span<const std::int32_t> members);
   /// To be called once, when all groups are in and before the first look-up.
   void SORT();
-  void CLEAR() noexcept;
 
   /// Number of members of the key; 0 for an unknown one.
   [[nodiscard]] std::int32_t COUNT(std::int32_t key) const noexcept;

@@ -150,6 +150,10 @@ TEST_F(damage, a_request_that_no_model_can_answer_fails_and_says_why) {
   _MOV_KRNL_BS_5400_NUM_LANE(base_.data(), 5, &mode_code, nullptr);
   EXPECT_EQ(mode_code, -1);
   EXPECT_STREQ(movload_last_failure(), "an argument of the call is a null pointer");
+  REMOVE_MOVING_INFLUENCE();
+  EXPECT_STREQ(movload_last_failure(), "");
+  INIT_MOVING_INFLUENCE(nullptr, nullptr, nullptr, nullptr);
+  EXPECT_STREQ(movload_last_failure(), "an argument of the call is a null pointer");
 
   const string path = layout_.path + ": ";
   for (const int few : {2, 0})
