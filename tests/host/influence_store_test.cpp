@@ -342,13 +342,13 @@ TEST_F(store_test, sets_are_joined_by_id_and_a_support_may_be_in_one_alone) {
 }
 
 TEST_F(store_test, the_primary_set_tells_where_the_stresses_of_plates_stand_under_all_loads) {
-  const auto write = [&](int force_points, const std::string& name) {
+  const auto write_plate = [&](int force_points, const std::string& name) {
     T_VOLUME_SET set{.load_ids = {1}, .volumes = {{block_of(412151, 7, 5)}}};
     if (force_points > 0) set.volumes[0].push_back(block_of(410401, 8, force_points));
-    modelkit::WRITE_VOLUME_SET(set, name);
+    write(set, name);
   };
-  write(5, files.NAME("included"));
-  write(1, files.NAME());
+  write_plate(5, files.NAME("included"));
+  write_plate(1, files.NAME());
   init(files.NAME(), files.NAME("included"));
   // Behind one point, though the included set has the forces of five.
   row expected(70, 0.0F);
@@ -361,7 +361,7 @@ TEST_F(store_test, the_primary_set_tells_where_the_stresses_of_plates_stand_unde
   values.resize(70);
   EXPECT_EQ(values, expected);
   EXPECT_EQ(read_one(ELEMENT, 1, 1, 70).at(40), 5.0F);
-  write(0, files.NAME("included"));
+  write_plate(0, files.NAME("included"));
   init(files.NAME());
   EXPECT_EQ(read_one(ELEMENT, 1, 1, 70).at(8), 5.0F);
 }
