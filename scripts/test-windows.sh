@@ -13,8 +13,7 @@ jobs=${JOBS:-$(nproc)}
 echo "== windows"
 cmake --preset windows
 cmake --build --preset windows -j "$jobs" --target all movload_answers
-# Once more where one fails: wine now and then loses a program that starts while another ends.
-ctest --preset windows -j "$jobs" --repeat until-pass:2
+ctest --preset windows -j "$jobs"
 
 echo "== The Windows and the Linux build"
 cmake --preset release
