@@ -244,7 +244,7 @@ MOVLOAD_API void READ_COMPOSITE_BAR_INFLUENCE_ALL_LOAD(const int32_t* ID, const 
                                                        const int32_t* NCOMP, float* ROWS) MOVLOAD_NOEXCEPT;
 
 /* The supports that have reactions, or reactions in local axes: how many there are, and their nodes in
- * ascending order.
+ * the order of the files, which ascends in a sound set.
  *
  *   NUMBER  out  0 where no store is open
  *   IDS     out  [NUMBER] */
