@@ -13,8 +13,9 @@ constexpr int STATIONS = 5;
 /// between the ends and the same at the ends.
 std::size_t force_column(int station, BEAM_FORCE force) {
   const int first = station == BEAM_START ? 0 : 12 * station - 6;
-  return static_cast<std::size_t>(first +
-                                  (force - 1) * (station == BEAM_START || station == BEAM_END ? 1 : 2));
+  const int columns = station == BEAM_START || station == BEAM_END ? 1 : 2;
+  const int column = first + (force - 1) * columns;
+  return static_cast<std::size_t>(column);
 }
 
 std::size_t stress_column(int station, BEAM_CORNER corner) {

@@ -8,6 +8,11 @@ install_missing "${BUILD_PACKAGES[@]}" "${DEB_PACKAGES[@]}"
 
 build=build/package
 packages=$PWD/build/packages
+# The same sources make the same packages: the date in them is that of the sources.
+if [[ -z ${SOURCE_DATE_EPOCH:-} ]]; then
+  SOURCE_DATE_EPOCH=$(git log -1 --pretty=%ct 2>/dev/null || date +%s)
+fi
+export SOURCE_DATE_EPOCH
 # Packages install where programs and libraries are looked for, and need no search path of their own.
 cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON \
   -DMOVLOAD_TESTS=OFF -DMOVLOAD_BENCH=OFF
