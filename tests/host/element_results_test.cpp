@@ -1,4 +1,5 @@
-// Results of trusses, plates, beams and walls: a line may jump, and element files that can't be read fail the run.
+// Results of trusses, plates, beams and walls: a line may jump, and element files that can't be read fail the
+// run.
 #include <filesystem>
 
 #include "modelkit/example_span.h"

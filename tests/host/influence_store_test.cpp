@@ -8,12 +8,12 @@
 #include "modelkit/model_writer.h"
 #include "modelkit/volume_writer.h"
 #include "tests/host/host_call.h"
+#include "tests/telling_response.h"
 #include "tests/temporary_directory.h"
 
 namespace {
 
 using modelkit::T_MODEL;
-using modelkit::T_RESPONSE;
 using modelkit::T_VOLUME_BLOCK;
 using modelkit::T_VOLUME_SET;
 using row = std::vector<float>;
@@ -160,19 +160,9 @@ TEST_F(store_test, a_removal_deletes_the_volumes_that_are_there) {
   EXPECT_EQ(left_of(set, [&](const ids&) { modelkit::OVERWRITE_WORD_AT(first, 8, INT32_MAX); }), 0);
 }
 
-/// Value v of a response is 1000 * load + v.
-T_RESPONSE telling_response(std::int32_t id, int values, int loads) {
-  T_RESPONSE response{.id = id};
-  for (int v = 1; v <= values; ++v) {
-    row& line = response.values.emplace_back();
-    for (int load = 1; load <= loads; ++load) line.push_back(static_cast<float>(1000 * load + v));
-  }
-  return response;
-}
-
 TEST_F(store_test, every_read_gives_the_values_of_its_family_at_their_positions) {
   constexpr std::int32_t LOADS = 21;
-  const auto telling = [](std::int32_t id, int values) { return telling_response(id, values, LOADS); };
+  const auto telling = [](std::int32_t id, int values) { return TELLING_RESPONSE(id, values, LOADS); };
   struct ROW {
     READ kind;
     std::int32_t id, values;

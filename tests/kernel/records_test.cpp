@@ -1,4 +1,4 @@
-// Points of a segment, and the texts of the host's arrays and of failures.
+// Points of a segment, the check of combinations, and the texts of the host's arrays and of failures.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -57,6 +57,54 @@ TEST(points_per_segment, is_the_first_repeat_of_lane_1_that_the_other_lanes_conf
     }
     EXPECT_EQ(POINTS_PER_SEGMENT(lanes), points);
   }
+}
+
+/// Of every lane the type and position of its HB and its portion before the check, then position, portion
+/// and combination type after it.
+using CHECKED_LANES = std::vector<std::array<std::int32_t, 6>>;
+
+TEST(closing_passes, the_combination_type_follows_from_hb_and_full_ha) {
+  const CHECKED_LANES CASES[] = {
+      // no HB; a type without a position is none
+      {{0, 5, 1, 5, 1, 1}, {2, 0, 0, 0, 0, 1}, {0, 0, 11, 0, 11, 1}},
+      // one HB; points are numbered anew with those that repeat, here every third
+      {{0, 0, 0, 0, 1, 2}, {1, 3, 11, 4, 1, 2}, {0, 0, 10, 0, 1, 2}},
+      // two HB with no, one and two lanes of full HA, and three HB
+      {{1, 1, 0, 1, 1, 3}, {2, 2, 10, 2, 11, 3}, {0, 0, 100, 0, 101, 3}},
+      {{1, 3, 0, 4, 0, 4}, {2, 4, 0, 5, 0, 4}, {0, 0, 1, 0, 1, 4}},
+      {{1, 3, 1, 3, 1, 0}, {2, 4, 11, 4, 11, 0}},
+      {{1, 3, 0, 3, 0, 0}, {2, 4, 0, 4, 0, 0}, {5, 5, 0, 5, 0, 0}},
+      // a digit that says neither keeps what the lane before said, and is told
+      {{1, 1, 1, 1, 1, 0}, {1, 1, 12, 1, 12, 0}},
+  };
+  for (const CHECKED_LANES& lanes : CASES) {
+    SCOPED_TRACE(&lanes - CASES);
+    const auto count = static_cast<std::int32_t>(lanes.size());
+    HOST host(count);
+    auto& records = host.arrays[MAX_SIDE].mload;
+    std::int32_t lane = 0;
+    std::int32_t messages = 0;
+    for (const auto& check : lanes) {
+      messages += check[2] % 10 > 1;
+      records(TYPE_OF_HB, ++lane) = check[0];
+      records(POSITION_OF_HB, lane) = check[1];
+      records(HA_UDL_PORTION, lane) = check[2];
+    }
+    EXPECT_EQ(CHECK_LOAD_COMBINATION(host.view, count, 0, {.POINTS_PER_SEGMENT = 3}), messages);
+    lane = 0;
+    for (const auto& check : lanes) {
+      EXPECT_EQ(records(POSITION_OF_HB, ++lane), check[3]);
+      EXPECT_EQ(records(HA_UDL_PORTION, lane), check[4]);
+      EXPECT_EQ(records(COMB_TYPE, lane), check[5]);
+    }
+  }
+}
+
+TEST(closing_passes, items_of_beams_and_walls_whose_lines_may_jump_keep_their_positions) {
+  for (const std::int32_t item : {1, 30, 51, 65}) EXPECT_TRUE(IS_SECTION_ITEM(RK_WALL, item)) << item;
+  for (const std::int32_t item : {31, 50, 66, 105}) EXPECT_FALSE(IS_SECTION_ITEM(RK_WALL, item)) << item;
+  for (const std::int32_t item : {30, 31}) EXPECT_EQ(IS_SECTION_ITEM(RK_BEAM, item), item == 30);
+  EXPECT_FALSE(IS_SECTION_ITEM(RK_PLATE, 1));
 }
 
 TEST(diagnostic_text, numbers_stand_right_in_their_fields_and_asterisks_fill_what_is_too_narrow) {
