@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "fuzz/host_calls.h"
 #include "fuzz/model_files.h"
+#include "fuzz/target.h"
 
 namespace fuzz {
 
@@ -46,6 +49,23 @@ class STORE_HOST {
   bool is_sound_ = true;  // of an open store: its files have stayed as they were when it was opened
   bool has_two_sets_ = false;
   std::int64_t loads_ = 0;  // of an open store
+};
+
+/// What fuzzers of the store have in common: a host for each description, and sound runs behind it.
+class STORE_TARGET : public TARGET {
+ public:
+  void BEGIN(MODEL_FILES& files) override { host_.emplace(files); }
+  void END(MODEL_FILES&) override {
+    host_.reset();
+    sound_runs_.CHECK();
+  }
+
+ protected:
+  STORE_HOST& HOST() { return *host_; }
+
+ private:
+  std::optional<STORE_HOST> host_;
+  SOUND_RUNS sound_runs_{true};
 };
 
 }  // namespace fuzz

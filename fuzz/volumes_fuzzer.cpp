@@ -1,47 +1,36 @@
 // The stream of influence volumes: opened, joined with an included set, queried, closed, in any order.
-#include <optional>
-
-#include "fuzz/host_calls.h"
 #include "fuzz/store_calls.h"
-#include "fuzz/target.h"
 
 namespace fuzz {
 namespace {
 
-class volumes final : public TARGET {
+class volumes final : public STORE_TARGET {
  public:
-  void BEGIN(MODEL_FILES& files) override { host_.emplace(files); }
-
   void CALL(MODEL_FILES&, const T_STEP& step) override {
     switch (step.NUMBER() % 8) {
       case 0:
       case 1:
-        return host_->OPEN(true);
+        return HOST().OPEN(true);
       case 2:
-        return host_->OPEN(false);
+        return HOST().OPEN(false);
       case 3:
-        return host_->CLOSE();
+        return HOST().CLOSE();
       case 4:
-        return host_->INCLUDE(step.A);
+        return HOST().INCLUDE(step.A);
       case 5:
-        return host_->QUERY(step);
+        return HOST().QUERY(step);
       case 6:
-        return host_->READ(step);
+        return HOST().READ(step);
       default:
-        if (step.A % 4 == 0) host_->REMOVE_FILES(step.B % 2 == 1);
+        if (step.A % 4 == 0) HOST().REMOVE_FILES(step.B % 2 == 1);
     }
   }
 
-  void END(MODEL_FILES&) override {
-    host_->OPEN(true);
-    host_->SWEEP();
-    host_.reset();
-    sound_runs_.CHECK();
+  void END(MODEL_FILES& files) override {
+    HOST().OPEN(true);
+    HOST().SWEEP();
+    STORE_TARGET::END(files);
   }
-
- private:
-  std::optional<STORE_HOST> host_;
-  SOUND_RUNS sound_runs_{true};
 };
 
 }  // namespace

@@ -22,7 +22,7 @@
 
 namespace {
 
-enum class FAULT { NONE, NO_MEMORY, READ_FAILS, READ_ENDS, READ_INTERRUPTED, OPEN_FAILS };
+enum class FAULT { NONE, NO_MEMORY, READ_FAILS, READ_ENDS, READ_INTERRUPTED, OPEN_FAILS, SIZE_FAILS };
 
 struct {
   FAULT fault = FAULT::NONE;
@@ -97,10 +97,16 @@ OF_THE_PROCESS int open(const char* name, int flags, ...) {
   return static_cast<int>(syscall(SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
+OF_THE_PROCESS int fstat(int file, struct stat* info) {
+  if (!strikes(FAULT::SIZE_FAILS)) return static_cast<int>(syscall(SYS_fstat, file, info));
+  errno = EIO;
+  return -1;
+}
+
 namespace {
 
-constexpr FAULT FAULTS[] = {FAULT::NO_MEMORY, FAULT::READ_FAILS, FAULT::READ_ENDS, FAULT::READ_INTERRUPTED,
-                            FAULT::OPEN_FAILS};
+constexpr FAULT FAULTS[] = {FAULT::NO_MEMORY,        FAULT::READ_FAILS, FAULT::READ_ENDS,
+                            FAULT::READ_INTERRUPTED, FAULT::OPEN_FAILS, FAULT::SIZE_FAILS};
 
 /// Models with all that files can carry, in both forms; the unit loads lie in two sets of volumes.
 class faults : public testing::TestWithParam<int> {

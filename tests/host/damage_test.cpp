@@ -34,7 +34,6 @@ using std::to_string;
 
 constexpr std::int32_t INT_TOP = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t INT_BOTTOM = std::numeric_limits<std::int32_t>::min();
-constexpr std::int64_t LONG_TOP = std::numeric_limits<std::int64_t>::max();
 constexpr double INFINITE = std::numeric_limits<double>::infinity();
 constexpr int LANES = host::TINY_LANES;
 
@@ -172,18 +171,6 @@ TEST_F(damage, a_request_that_no_model_can_answer_fails_and_says_why) {
   store("block IFSV: record 1: format number 9500, where 9600 is expected");
   WRITE({.left_out = {"IFSV"}});
   store("block IFSV: the block isn't in the directory");
-}
-
-TEST_F(damage, a_call_with_nothing_to_search_is_no_failure) {
-  const host::ARGUMENTS empty = host::RUN(LANES, base_, 0, 7, 1, 1, 1);
-  EXPECT_TRUE(empty.MODE_CODE == 0 && empty.FINAL_MAX == host::UNTOUCHED);
-  EXPECT_STREQ(movload_last_failure(), "");
-  for (const char* tag : {"NLAX", "LDSP"}) {  // a model without local axes
-    WRITE({.left_out = {tag}});
-    EXPECT_TRUE(host::SAME(empty, ask(base_, LDSP)));
-  }
-  PUT("MVIF", 1, 13, 0);  // no local reactions
-  EXPECT_TRUE(host::SAME(empty, host::RUN(LANES, base_, 0, MOVLOAD_RK_LRAC, 3, 1, 1)));
 }
 
 TEST_F(damage, of_a_path_over_260_characters_a_run_takes_the_first_260) {
@@ -345,20 +332,6 @@ TEST_F(damage, a_count_beyond_the_records_neither_takes_memory_nor_time) {
   }
   limit_memory(0);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-}
-
-TEST_F(damage, an_entry_without_place_and_a_directory_that_runs_in_a_circle_fail_the_run) {
-  for (const auto& [tag, length] : {std::pair{"LNIF", 1}, {"MVIF", 0}, {"VEHI", INT_BOTTOM}}) {
-    PUT(layout_.BLOCK(tag).entry_offset + 24, length);
-    EXPECT_FAILS_IN(tag);
-    REPAIR();
-  }
-  // The second run of a block that begins in front of the file would lie in the directory.
-  PUT(layout_.BLOCK("DISP").entry_offset + 8, std::int64_t{0});
-  EXPECT_FAILS("block DISP: record 12: the record lies outside the block", DISP);
-  WRITE({.unused_groups = 2});
-  PUT(21 * 28 + 16, std::int64_t{1});
-  EXPECT_FAILS("block MVIF: the directory can't be read to its end");
 }
 
 }  // namespace

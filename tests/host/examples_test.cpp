@@ -10,6 +10,7 @@
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
 #include "tests/host/model_run.h"
+#include "tests/host/tiny_model.h"
 #include "tests/temporary_directory.h"
 
 namespace {
@@ -70,16 +71,19 @@ TEST(examples, a_second_span_is_loaded_only_where_it_outweighs_the_fall_of_the_i
   EXPECT_EQ(NUMBERS(one.K_MININFL_S, 1), RECORD{2});
 }
 
-TEST(examples, the_three_supports_of_a_two_span_beam_carry_a_load_whole) {
-  const T_MODEL beam = modelkit::TWO_SPAN_MODEL(20.0, 30.0);
-  const auto& values = beam.simb[0].values;
-  for (std::size_t load = 0; load < values[0].size(); ++load) {
-    float sum = 0.0F;
-    for (const int item : {modelkit::TWO_SPAN_FIRST_REACTION, modelkit::TWO_SPAN_INNER_REACTION,
-                           modelkit::TWO_SPAN_LAST_REACTION})
-      sum += values[static_cast<std::size_t>(item) - 1][load];
-    EXPECT_NEAR(sum, 1.0F, 1e-6F) << load;
-  }
+// 3 - 5 / 2 of the first entry and 8 / 4 + 2 * 3 / 4 of the second, where the weight of a link to a spread row
+// doesn't count; their mean with an impact of a quarter.
+TEST(examples, an_ordinate_is_the_mean_of_its_entries_with_spread_rows_and_impact) {
+  T_MODEL model = TWO_LOADS_MODEL();
+  model.unit_loads = 4;
+  model.disp = {{.id = 1, .values = {{3.0F, -5.0F, 8.0F, 2.0F}}}};
+  modelkit::T_LANE& lane = model.lanes[0];
+  lane.entries_per_point = 2;
+  lane.spread_rows = {{{3, 0.25}, {4, 0.75}}};
+  lane.points[0].impact = 0.25;
+  lane.points[0].entries = {{.a = {1, 1.0}, .b = {2, 0.5}}, {.a = {-1, 7.0}}};
+  lane.points[1].entries = {{}, {}};
+  EXPECT_EQ(ASK(model, MOVLOAD_RK_DISP, 1, 1).FINAL_MAX, (0.5 + 3.5) * 1.25 / 2);
 }
 
 // HA in two lanes of which one has a third (case 1), and in one lane alone (case 2).

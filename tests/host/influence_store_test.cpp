@@ -8,12 +8,12 @@
 #include "modelkit/model_writer.h"
 #include "modelkit/volume_writer.h"
 #include "tests/host/host_call.h"
+#include "tests/telling_response.h"
 #include "tests/temporary_directory.h"
 
 namespace {
 
 using modelkit::T_MODEL;
-using modelkit::T_RESPONSE;
 using modelkit::T_VOLUME_BLOCK;
 using modelkit::T_VOLUME_SET;
 using row = std::vector<float>;
@@ -160,19 +160,9 @@ TEST_F(store_test, a_removal_deletes_the_volumes_that_are_there) {
   EXPECT_EQ(left_of(set, [&](const ids&) { modelkit::OVERWRITE_WORD_AT(first, 8, INT32_MAX); }), 0);
 }
 
-/// Value v of a response is 1000 * load + v.
-T_RESPONSE telling_response(std::int32_t id, int values, int loads) {
-  T_RESPONSE response{.id = id};
-  for (int v = 1; v <= values; ++v) {
-    row& line = response.values.emplace_back();
-    for (int load = 1; load <= loads; ++load) line.push_back(static_cast<float>(1000 * load + v));
-  }
-  return response;
-}
-
 TEST_F(store_test, every_read_gives_the_values_of_its_family_at_their_positions) {
   constexpr std::int32_t LOADS = 21;
-  const auto telling = [](std::int32_t id, int values) { return telling_response(id, values, LOADS); };
+  const auto telling = [](std::int32_t id, int values) { return TELLING_RESPONSE(id, values, LOADS); };
   struct ROW {
     READ kind;
     std::int32_t id, values;
@@ -366,18 +356,6 @@ TEST_F(store_test, the_primary_set_tells_where_the_stresses_of_plates_stand_unde
   EXPECT_EQ(read_one(ELEMENT, 1, 1, 70).at(8), 5.0F);
 }
 
-TEST_F(store_test, the_loads_of_a_record_that_lie_far_apart_are_read_one_by_one) {
-  constexpr std::int32_t LOADS = 5000;
-  T_MODEL model{.unit_loads = LOADS};
-  model.disp = {telling_response(3, 6, LOADS)};
-  modelkit::WRITE_VOLUMES(model, files.NAME());
-  init(files.NAME());
-  for (const std::int32_t load : {1, 2500, LOADS}) {
-    const float before = static_cast<float>(1000 * load);
-    EXPECT_EQ(read_one(DISP, 3, load, 3), (row{before + 1, before + 2, before + 3}));
-  }
-}
-
 TEST_F(store_test, the_nodes_of_an_element_are_those_of_the_primary_set_in_file_order) {
   const T_VOLUME_SET included{.volumes = {{{.tag = modelkit::STREAM_GROUPS, .element_nodes = {{7, {9}}}}}}};
   const T_VOLUME_SET primary{
@@ -403,29 +381,6 @@ TEST_F(store_test, the_nodes_of_an_element_are_those_of_the_primary_set_in_file_
   EXPECT_EQ(nodes_of(7), ids(5, host::UNTOUCHED));
 }
 
-/// A small set with a block of each tag, in two volumes.
-T_VOLUME_SET small_set() {
-  return {.load_ids = {1, 2},
-          .words_before_loads = 1,
-          .volumes = {
-              {{.ids = {1, 2}, .item_codes = {101}, .result_code = 101, .data = {1, 2, 3, 4}},
-               {.tag = modelkit::STREAM_GROUPS, .element_nodes = {{1, {2, 3}}}, .second_groups = {{4, {5}}}},
-               {.tag = 13, .ids = {6}},
-               {.tag = 7, .ids = {6, 7}}},
-              {{.ids = {1}, .item_codes = {401, 402}, .result_code = 401, .data = {5, 6, 7, 8}},
-               {.tag = modelkit::STREAM_ELEMENTS,
-                .ids = {1},
-                .item_codes = {30'001'001, 30'002'001},
-                .result_code = 30'000'601,
-                .points = 2,
-                .data = row(8, 9.0F)},
-               {.tag = modelkit::STREAM_ELEMENTS,
-                .ids = {2},
-                .item_codes = {1},
-                .result_code = 1,
-                .data = {1, 2}}}}};
-}
-
 TEST_F(store_test, a_record_behind_4_gb_is_read_where_it_lies) {
   constexpr std::int32_t NODES = 1000, LOADS = 200'000;
   const auto layout = modelkit::WRITE_VOLUME_SET(
@@ -443,25 +398,27 @@ TEST_F(store_test, counts_beyond_the_file_and_volumes_that_lack_fail) {
     std::int32_t word;
     const char* failure;
   };
-  const auto paths = write(small_set(), files.NAME()).paths;
+  T_VOLUME_SET set = one_node({1, 2});
+  set.volumes.push_back(set.volumes[0]);
+  const auto paths = write(set, files.NAME()).paths;
   const CHANGE CHANGES[] = {
       {0, -3, ": the volumes hold no influence data (header word -3)"},
       {8, 0, ": byte 8: N_VOLUMES is 0, outside 1 to 1000"},
       {8, 1001, ": byte 8: N_VOLUMES is 1001, outside 1 to 1000"},
       {24, -4, ": byte 24: LOAD_TABLE_OFFSET is 4294967292"},
-      {40, -1, ": byte 40: N_LOADS is -1"},
-      {40, 1 << 30, ": byte 40: N_LOADS is 1073741824"},
-      {56, -1, ": byte 56: N_IDS is -1"},
-      {72, 1 << 29, ": byte 72: N_ITEMS is 536870912"},
+      {36, -1, ": byte 36: N_LOADS is -1"},
+      {36, 1 << 30, ": byte 36: N_LOADS is 1073741824"},
+      {52, -1, ": byte 52: N_IDS is -1"},
+      {64, 1 << 29, ": byte 64: N_ITEMS is 536870912"},
   };
   for (const CHANGE& change : CHANGES) {
-    write(small_set(), files.NAME());
+    write(set, files.NAME());
     modelkit::OVERWRITE_WORD_AT(paths[0], change.offset, change.word);
     init(files.NAME());
     EXPECT_TRUE(std::string_view(movload_last_failure()).starts_with(paths[0] + change.failure))
         << movload_last_failure();
   }
-  write(small_set(), files.NAME());
+  write(set, files.NAME());
   std::filesystem::remove(paths[1]);
   init(files.NAME());
   EXPECT_EQ(movload_last_failure(), paths[1] + ": the file can't be opened");

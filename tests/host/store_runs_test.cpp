@@ -1,5 +1,6 @@
 // Runs on influence volumes give what runs on blocks and element files give, bit for bit, with and without an
 // included set.
+#include <algorithm>
 #include <filesystem>
 #include <initializer_list>
 #include <random>
@@ -10,26 +11,16 @@
 #include "modelkit/random_model.h"
 #include "modelkit/volume_writer.h"
 #include "tests/host/host_call.h"
+#include "tests/host/result_items.h"
+#include "tests/host/tiny_model.h"
 #include "tests/temporary_directory.h"
 
 namespace {
 
 using modelkit::T_MODEL;
 using modelkit::T_RESPONSE;
-
-struct KIND {
-  std::int32_t code;
-  std::vector<T_RESPONSE> T_MODEL::*responses;
-  std::int32_t items;  // 0: by the response
-};
-const KIND KINDS[] = {
-    {MOVLOAD_RK_DISP, &T_MODEL::disp, 0},    {MOVLOAD_RK_LDSP, &T_MODEL::ldisp, 0},
-    {MOVLOAD_RK_REAC, &T_MODEL::reac, 0},    {MOVLOAD_RK_LRAC, &T_MODEL::lrac, 0},
-    {MOVLOAD_RK_SIMB, &T_MODEL::simb, 12},   {MOVLOAD_RK_ELNK, &T_MODEL::elnk, 12},
-    {MOVLOAD_RK_NLNK, &T_MODEL::nlnk, 12},   {MOVLOAD_RK_TRUSS, &T_MODEL::trusses, 2},
-    {MOVLOAD_RK_BEAM, &T_MODEL::beams, 50},  {MOVLOAD_RK_PLATE, &T_MODEL::plates, 0},
-    {MOVLOAD_RK_WALL, &T_MODEL::walls, 105},
-};
+using plain::KIND;
+using plain::KINDS;
 
 void include(const std::string& path) {
   const auto length = static_cast<std::int32_t>(path.size());
@@ -56,23 +47,8 @@ void expect_same(int lanes, const std::string& base, std::initializer_list<SETS>
   }
 }
 
-std::vector<T_RESPONSE> random_elements(std::mt19937_64& random, int values, std::int32_t loads) {
-  std::uniform_real_distribution<float> value(-1.0F, 1.0F);
-  std::vector<T_RESPONSE> elements;
-  for (std::int32_t id : {2, 3, 5}) {
-    T_RESPONSE& element = elements.emplace_back(T_RESPONSE{.id = id});
-    element.values.assign(static_cast<std::size_t>(values),
-                          std::vector<float>(static_cast<std::size_t>(loads)));
-    // The last one is 0, so that a set may leave it out.
-    for (auto& line : element.values)
-      for (float& x : line) x = id == 5 ? 0.0F : value(random);
-  }
-  return elements;
-}
-
 TEST(store_runs, every_kind_of_random_models_is_the_same_in_volumes) {
-  constexpr int PLATE_VALUES[] = {8, 40, 14, 70};
-  for (std::uint64_t seed = 1; seed <= 24; ++seed) {
+  for (std::uint64_t seed = 1; seed <= 40; ++seed) {
     const TEMPORARY_DIRECTORY files;
     std::mt19937_64 random(seed);
     const auto between = [&](int low, int high) {
@@ -80,11 +56,10 @@ TEST(store_runs, every_kind_of_random_models_is_the_same_in_volumes) {
     };
     T_MODEL model = modelkit::RANDOM_MODEL(
         random, {.other_sub_cases = 0.5, .straddle_lanes = 0.5, .axle_lists = 0.3, .class_definitions = 0.3});
-    model.plate_form = static_cast<std::int32_t>(seed % 4 + 1);
-    model.trusses = random_elements(random, 2, model.unit_loads);
-    model.beams = random_elements(random, 68, model.unit_loads);
-    model.plates = random_elements(random, PLATE_VALUES[seed % 4], model.unit_loads);
-    model.walls = random_elements(random, 132, model.unit_loads);
+    // The last of several elements is 0, so that a set may leave it out.
+    for (const KIND& kind : KINDS)
+      if (auto& responses = model.*kind.RESPONSES; kind.OF_ELEMENTS && responses.size() > 1)
+        for (auto& line : responses.back().values) std::ranges::fill(line, 0.0F);
     model.elements_per_file = 1000;
     model = modelkit::NUMBER_ELEMENTS_APART(model);
     modelkit::WRITE_MODEL(model, files.NAME());
@@ -100,15 +75,13 @@ TEST(store_runs, every_kind_of_random_models_is_the_same_in_volumes) {
     const bool has_included = std::filesystem::exists(files.NAME("included_000.BLK"));
     const std::string included = has_included ? files.NAME("included") : "";
     for (const KIND& kind : KINDS) {
-      const auto& responses = model.*kind.responses;
-      ASSERT_FALSE(responses.empty());
+      const auto& responses = model.*kind.RESPONSES;
       for (int request = 0; request < 3; ++request) {
         const T_RESPONSE& response =
             responses[static_cast<std::size_t>(between(0, static_cast<int>(std::ssize(responses)) - 1))];
-        const int items = kind.items > 0 ? kind.items : static_cast<int>(std::ssize(response.values));
         expect_same(
-            static_cast<int>(model.lanes.size()), files.NAME(), {{files.NAME(), included}}, kind.code,
-            response.id, between(1, items),
+            static_cast<int>(model.lanes.size()), files.NAME(), {{files.NAME(), included}}, kind.RESULT_KIND,
+            response.id, between(1, plain::ITEMS_OF(kind, model)),
             between(1, static_cast<int>(std::max<std::ptrdiff_t>(1, std::ssize(model.moving_load_cases)))));
       }
     }
@@ -128,23 +101,17 @@ TEST(store_runs, every_result_of_the_bridge_is_the_same_in_volumes) {
   modelkit::WRITE_VOLUMES(model, divided.primary, {.volumes = 3, .included_loads = 150}, divided.included);
   int questions = 0;
   for (const KIND& kind : KINDS) {
-    for (const T_RESPONSE& response : model.*kind.responses) {
-      const int items = kind.items > 0 ? kind.items : static_cast<int>(std::ssize(response.values));
-      for (int item = 1; item <= items; ++item)
-        expect_same(static_cast<int>(model.lanes.size()), whole.primary, {whole, divided}, kind.code,
+    for (const T_RESPONSE& response : model.*kind.RESPONSES) {
+      for (int item = 1; item <= plain::ITEMS_OF(kind, model); ++item)
+        expect_same(static_cast<int>(model.lanes.size()), whole.primary, {whole, divided}, kind.RESULT_KIND,
                     response.id, item, questions++ % modelkit::BRIDGE_CASE_HB_ANY + 1);
     }
   }
   EXPECT_EQ(questions, 355 * 6 + 20 * 6 + 5 * 12 + 20 * 2 + 15 * 50 + 4 * 8);
 }
 
-/// One lane over two unit loads under a knife edge of 1: both envelopes are an ordinate.
 T_MODEL two_loads() {
-  T_MODEL model{.unit_loads = 2};
-  model.lanes = {
-      {.points = {{.x = 0.0, .entries = {{.a = {1, 1.0}}}}, {.x = 9.0, .entries = {{.a = {2, 1.0}}}}}}};
-  model.vehicle_groups = {{.vehicles = {{.loads = {1.0}}}}};
-  model.moving_load_cases = {{.combinations = {{{1, 1.0}}}}};
+  T_MODEL model = host::TWO_LOADS_MODEL();
   model.disp = model.ldisp = model.reac = model.lrac = {{.id = 4, .values = {{3.0F, -5.0F}}}};
   return model;
 }

@@ -1,4 +1,4 @@
-// A model of a few records for damage of its files.
+// Models of a few records, for damage of their files and for answers that can be told at sight.
 #pragma once
 
 #include <cmath>
@@ -54,6 +54,16 @@ inline modelkit::T_MODEL TINY_MODEL() {
   model.lrac = TINY_RESPONSES({3});
   model.ldisp = TINY_RESPONSES({8, 4});
   model.simb = model.elnk = model.nlnk = TINY_RESPONSES({1});
+  return model;
+}
+
+/// One lane over two unit loads under a knife edge of 1: both values are an ordinate.
+inline modelkit::T_MODEL TWO_LOADS_MODEL() {
+  modelkit::T_MODEL model{.unit_loads = 2};
+  model.lanes = {
+      {.points = {{.x = 0.0, .entries = {{.a = {1, 1.0}}}}, {.x = 9.0, .entries = {{.a = {2, 1.0}}}}}}};
+  model.vehicle_groups = {{.vehicles = {{.loads = {1.0}}}}};
+  model.moving_load_cases = {{.combinations = {{{1, 1.0}}}}};
   return model;
 }
 

@@ -9,26 +9,6 @@
 namespace modelkit {
 namespace {
 
-/// The line of one component along a lane, entry weights added up and averaged over the entries.
-std::vector<double> line_of(const T_LANE& lane, const std::vector<float>& component) {
-  const auto response = [&](const T_LOAD_SHARE& link) {
-    if (link.load > 0)
-      return link.weight * static_cast<double>(component[static_cast<std::size_t>(link.load) - 1]);
-    double sum = 0.0;
-    if (link.load < 0)
-      for (const T_LOAD_SHARE& share : lane.spread_rows[static_cast<std::size_t>(-link.load) - 1])
-        sum += share.weight * static_cast<double>(component[static_cast<std::size_t>(share.load) - 1]);
-    return sum;
-  };
-  std::vector<double> line;
-  for (const T_INFLUENCE_POINT& point : lane.points) {
-    double sum = 0.0;
-    for (const T_TRANSVERSE_ENTRY& entry : point.entries) sum += response(entry.a) + response(entry.b);
-    line.push_back(sum / lane.entries_per_point);
-  }
-  return line;
-}
-
 class example_bridge : public testing::Test {
  protected:
   static const T_EXAMPLE& bridge() {
@@ -58,30 +38,6 @@ TEST_F(example_bridge, every_unit_load_is_carried_by_the_bearings) {
     }
     ASSERT_NEAR(sum, 1.0, 1e-5);
     ASSERT_NEAR(about_abutment, load_at(load), 1e-3);
-  }
-}
-
-TEST_F(example_bridge, a_lane_bears_on_the_deck_alone_and_its_segments_repeat_their_ends) {
-  const std::vector<float> one(static_cast<std::size_t>(bridge().model.unit_loads), 1.0F);
-  for (const T_LANE& lane : bridge().model.lanes) {
-    ASSERT_EQ(lane.points.size() % 21, 0U);
-    const std::vector<double> share = line_of(lane, one);
-    for (std::size_t i = 0; i < lane.points.size(); ++i) {
-      const double x = lane.points[i].x - BRIDGE_APPROACH;
-      ASSERT_NEAR(share[i], x >= 0.0 && x <= BRIDGE_LENGTH ? 1.0 : 0.0, 1e-12) << "at " << x;
-      if (i > 0) {
-        ASSERT_EQ(lane.points[i].x == lane.points[i - 1].x, i % 21 == 0);
-        ASSERT_GE(lane.points[i].x, lane.points[i - 1].x);
-      }
-    }
-    // The longest vehicle, 26 + 2 * 1.8 m between its outer axles, with 25 m clear at either end.
-    EXPECT_GE(lane.points.back().x - BRIDGE_APPROACH - BRIDGE_LENGTH, 26.0 + 2.0 * 1.8 + 2.0 * 25.0);
-    // The shares of a point balance about it.
-    std::vector<float> station(one.size());
-    for (std::size_t load = 0; load < one.size(); ++load) station[load] = static_cast<float>(load_at(load));
-    const std::vector<double> place = line_of(lane, station);
-    for (std::size_t i = 0; i < place.size(); ++i)
-      ASSERT_NEAR(place[i], share[i] * (lane.points[i].x - BRIDGE_APPROACH), 1e-9);
   }
 }
 

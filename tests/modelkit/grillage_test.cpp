@@ -32,27 +32,6 @@ T_GRILLAGE_SUPPORT forked(int node) {
   return {.node = node, .stiffness = {RIGID, RIGID, 0.0}};
 }
 
-/// A skew deck of 4 by 3 nodes on four bearings, one of them elastic.
-T_GRILLAGE skew_deck() {
-  T_GRILLAGE deck;
-  for (int row = 0; row < 3; ++row)
-    for (int i = 0; i < 4; ++i) deck.nodes.push_back({.x = 6.0 * i + 2.0 * row, .y = 2.5 * row});
-  const auto node = [](int row, int i) { return 4 * row + i + 1; };
-  for (int row = 0; row < 3; ++row) {
-    for (int i = 0; i < 4; ++i) {
-      if (i > 0) deck.members.push_back({.start = node(row, i - 1), .end = node(row, i), .ei = EI, .gj = GJ});
-      if (row > 0)
-        deck.members.push_back(
-            {.start = node(row - 1, i), .end = node(row, i), .ei = 0.2 * EI, .gj = 0.5 * GJ});
-    }
-  }
-  deck.supports = {pinned(node(0, 0)),
-                   pinned(node(0, 3)),
-                   pinned(node(2, 0)),
-                   {.node = node(2, 3), .stiffness = {5.0e4, 0.0, 0.0}}};
-  return deck;
-}
-
 TEST(grillage, a_simply_supported_beam_deflects_by_PL3_over_48EI) {
   constexpr double LENGTH = 12.0;
   T_GRILLAGE beam = straight_beam(LENGTH, 4);
@@ -100,34 +79,6 @@ TEST(grillage, an_outrigger_twists_a_cantilever_by_TL_over_GJ) {
               1e-11);
 }
 
-TEST(grillage, a_skew_deck_is_in_equilibrium_and_obeys_Maxwell) {
-  const T_GRILLAGE deck = skew_deck();
-  std::vector<int> every_node;
-  for (int node = 1; node <= 12; ++node) every_node.push_back(node);
-  const T_GRILLAGE_RESPONSES answer = SOLVE_GRILLAGE(deck, every_node);
-  for (int load = 1; load <= answer.LOADS(); ++load) {
-    double sum = 0.0;
-    double about_x = 0.0;
-    double about_y = 0.0;
-    for (int support = 1; support <= 4; ++support) {
-      const T_GRILLAGE_NODE& at =
-          deck.nodes[static_cast<std::size_t>(deck.supports[static_cast<std::size_t>(support) - 1].node) - 1];
-      const double reaction = answer.REACTION(load, support);
-      sum += reaction;
-      about_x += reaction * at.y;
-      about_y += reaction * at.x;
-    }
-    const T_GRILLAGE_NODE& loaded = deck.nodes[static_cast<std::size_t>(load) - 1];
-    EXPECT_NEAR(sum, 1.0, 1e-9);
-    EXPECT_NEAR(about_x, loaded.y, 1e-8);
-    EXPECT_NEAR(about_y, loaded.x, 1e-8);
-    EXPECT_NEAR(answer.REACTION(load, 4), 5.0e4 * answer.DISPLACEMENT(load, 12, GRILLAGE_W), 1e-9);
-    for (int other = 1; other < load; ++other)
-      EXPECT_NEAR(answer.DISPLACEMENT(load, other, GRILLAGE_W), answer.DISPLACEMENT(other, load, GRILLAGE_W),
-                  1e-14);
-  }
-}
-
 TEST(grillage, a_mechanism_is_told_with_its_node_and_the_way_it_moves) {
   const auto what_fails = [](const T_GRILLAGE& grillage) -> std::string {
     try {
@@ -140,9 +91,10 @@ TEST(grillage, a_mechanism_is_told_with_its_node_and_the_way_it_moves) {
   T_GRILLAGE rolling = straight_beam(4.0, 2);
   rolling.supports = {pinned(1), pinned(3)};  // nothing holds its twist
   EXPECT_NE(what_fails(rolling).find("rotation about x"), std::string::npos);
-  T_GRILLAGE loose = skew_deck();
+  T_GRILLAGE loose = straight_beam(4.0, 2);
+  loose.supports = {forked(1), pinned(3)};
   loose.nodes.push_back({.x = 50.0, .y = 50.0});
-  EXPECT_NE(what_fails(loose).find("node 13"), std::string::npos);
+  EXPECT_NE(what_fails(loose).find("node 4"), std::string::npos);
 }
 
 }  // namespace

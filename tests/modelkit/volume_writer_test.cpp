@@ -1,4 +1,4 @@
-// Influence volumes: what stands where, which ids each set has, and where values of a response go.
+// Influence volumes: what stands where, and where values of a response go.
 #include "modelkit/volume_writer.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "modelkit/model_writer.h"
+#include "tests/telling_response.h"
 #include "tests/temporary_directory.h"
 
 namespace modelkit {
@@ -78,14 +79,6 @@ TEST(volume_set, every_word_stands_where_the_format_has_it) {
   EXPECT_THROW(VOLUME_PATH("x", 1001), std::runtime_error);
 }
 
-/// Value v of every response is v under load 1 and 1000 + v under load 2.
-T_RESPONSE telling_response(std::int32_t id, int values) {
-  T_RESPONSE response{.id = id};
-  for (int v = 1; v <= values; ++v)
-    response.values.push_back({static_cast<float>(v), static_cast<float>(1000 + v)});
-  return response;
-}
-
 /// Where value v stands: in the block of a code with so many items, at a point and an item of its record.
 struct T_PLACE {
   std::int32_t id, code, items;
@@ -112,6 +105,7 @@ constexpr T_PLACE PLACES[] = {
 // clang-format on
 
 TEST(volume_writer, values_stand_where_they_are_read) {
+  const auto telling_response = [](int id, int values) { return TELLING_RESPONSE(id, values, 2); };
   T_MODEL model{.unit_loads = 2};
   model.disp = {telling_response(1, 6)};
   model.simb = model.elnk = model.nlnk = {telling_response(1, 12)};
@@ -136,41 +130,11 @@ TEST(volume_writer, values_stand_where_they_are_read) {
       const int per_point = code / 10'000'000 == 3 ? items / 2 : items;  // of a composite bar in each part
       const auto at = static_cast<std::size_t>(2 * ((point - 1) * per_point + item - 1));
       ASSERT_LT(at + 1, block.data.size()) << code;
-      EXPECT_EQ(block.data[at], static_cast<float>(value)) << code;
-      EXPECT_EQ(block.data[at + 1], static_cast<float>(1000 + value)) << code;
+      EXPECT_EQ(block.data[at], static_cast<float>(1000 + value)) << code;
+      EXPECT_EQ(block.data[at + 1], static_cast<float>(2000 + value)) << code;
     }
     EXPECT_EQ(found, 1) << code;
   }
-}
-
-TEST(model_writer, a_directory_file_beside_volumes_has_no_responses) {
-  const TEMPORARY_DIRECTORY files;
-  const T_MODEL model{.disp = {telling_response(1, 6)}, .beams = {telling_response(1, 68)}};
-  for (const bool responses : {true, false}) {
-    const T_FILE_LAYOUT layout = WRITE_MODEL(model, files.NAME(), {.responses = responses});
-    EXPECT_EQ(std::filesystem::exists(layout.path + "B1"), responses);
-    EXPECT_EQ(std::ranges::count(layout.blocks, "DISP", &T_WRITTEN_BLOCK::tag), responses ? 1 : 0);
-  }
-}
-
-TEST(volume_writer, a_set_lacks_what_is_0_in_it_as_far_as_lists_can_be_joined) {
-  T_MODEL model{.unit_loads = 2};
-  // Under load 1, which the included set has, and load 2.
-  for (const auto& [first, second] :
-       {std::pair{1.0F, 1.0F}, {0.0F, 1.0F}, {1.0F, 0.0F}, {0.0F, 1.0F}, {0.0F, 0.0F}})
-    model.disp.push_back(
-        {.id = static_cast<std::int32_t>(model.disp.size()) + 1, .values = {{first, second}}});
-  model.reac = model.disp;
-  const T_VOLUME_SETS sets = VOLUME_SETS(model, {.included_loads = 1, .leave_out_zeros = true});
-  const auto ids = [](const T_VOLUME_SET& set, std::int32_t code) {
-    const auto block = std::ranges::find(set.volumes[0], code, &T_VOLUME_BLOCK::result_code);
-    return block == set.volumes[0].end() ? words{} : block->ids;
-  };
-  ASSERT_TRUE(sets.included);
-  EXPECT_EQ(ids(*sets.included, 101), (words{1, 3, 5}));
-  EXPECT_EQ(ids(*sets.included, 401), (words{1, 3}));
-  for (const std::int32_t code : {101, 401}) EXPECT_EQ(ids(sets.primary, code), (words{1, 2, 4, 5}));
-  EXPECT_EQ(sets.primary.load_ids, words{2});
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Parts of the store that hosts see only together: a volume's positions and views, rows out of a record, and
-// the look-up of IDs in any order.
+// Parts of the store that hosts see only together: a volume's positions and views, and the look-up of IDs in
+// any order.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -11,7 +11,6 @@
 #include "store/id_maps.h"
 #include "store/m_file_mapping.h"
 #include "store/m_linked_list.h"
-#include "store/transposition.h"
 #include "tests/temporary_directory.h"
 
 namespace store {
@@ -79,59 +78,6 @@ TEST(file_mapping, a_position_moves_behind_what_was_read_and_stays_where_nothing
   ASSERT_TRUE(file.OPEN(files.NAME()));
   file.CLOSE(DISPOSITION::DELETE_FILE);
   EXPECT_FALSE(std::filesystem::exists(files.NAME()));
-}
-
-TEST(file_mapping, bytes_beyond_4_gb_are_reached_while_others_read_the_file) {
-  const TEMPORARY_DIRECTORY files;
-  constexpr std::int64_t FAR = (std::int64_t{5} << 30) - 8;  // 8 bytes before a multiple of the granularity
-  std::fstream other(counting_file(files), std::ios::binary | std::ios::in | std::ios::out);
-  other.seekp(FAR).write("abcdefghijkl", 12);
-  other.close();
-  other.open(files.NAME(), std::ios::binary | std::ios::in);
-  T_FILE file;
-  T_FILE same;
-  ASSERT_TRUE(other.is_open() && file.OPEN(files.NAME()) && same.OPEN(files.NAME()));
-  EXPECT_EQ(file.SIZE(), FAR + 12);
-  for (T_FILE* each : {&file, &same}) {
-    each->SEEK(FAR, 4);
-    const std::byte* bytes = each->VIEW(8);
-    ASSERT_NE(bytes, nullptr);
-    EXPECT_EQ(std::memcmp(bytes, "efghijkl", 8), 0);
-    each->SEEK(-1, -12);
-    std::array<char, 12> text{};
-    EXPECT_TRUE(each->READ(text.data(), 12));
-    EXPECT_EQ(text[0], 'a');
-  }
-}
-
-TEST(transposition, every_component_goes_to_its_position_and_nothing_else_is_written) {
-  for (const std::int32_t components : {1, 3, 4, 7, 300}) {
-    for (const std::int32_t loads : {1, 2, 5, 16, 67}) {
-      // One byte off any boundary; component k under load j is 1000 * k + j. The stretch leaves out the ends, and
-      // a load that isn't wanted.
-      std::vector<float> record;
-      for (std::int32_t k = 1; k < components - 1; ++k)
-        for (std::int32_t j = 0; j <= loads; ++j) record.push_back(static_cast<float>(1000 * k + j));
-      std::vector<std::byte> bytes(4 * record.size() + 1);
-      if (!record.empty()) std::memcpy(bytes.data() + 1, record.data(), 4 * record.size());
-
-      std::vector<std::int32_t> sources(static_cast<std::size_t>(components) + 2, -1);
-      for (std::size_t p = 0; p < sources.size(); ++p)
-        if (p % 11 != 3)
-          sources[p] = static_cast<std::int32_t>((p * 7) % static_cast<std::size_t>(components));
-      const std::int64_t length = std::ssize(sources) + 1;
-      std::vector<float> rows(static_cast<std::size_t>(length * loads), -1.0F);
-      TRANSPOSE(bytes.data() + 1, {1, components - 2, loads + 1, loads}, sources, length, rows.data());
-      for (std::int64_t j = 0; j < loads; ++j) {
-        for (std::int64_t p = 0; p < length; ++p) {
-          const std::int32_t k = p < std::ssize(sources) ? sources[static_cast<std::size_t>(p)] : -1;
-          const bool is_written = k >= 1 && k <= components - 2;
-          ASSERT_EQ(rows[static_cast<std::size_t>(j * length + p)],
-                    is_written ? static_cast<float>(1000 * k + j) : -1.0F);
-        }
-      }
-    }
-  }
 }
 
 TEST(id_maps, ids_in_any_order_are_found_and_one_that_comes_twice_keeps_its_last_row) {

@@ -12,6 +12,8 @@
 #include "modelkit/model_writer.h"
 #include "modelkit/random_model.h"
 #include "modelkit/volume_writer.h"
+#include "tests/host/result_items.h"
+#include "tests/telling_response.h"
 #include "tests/temporary_directory.h"
 #include "tools/command_influence.h"
 #include "tools/command_inspect.h"
@@ -65,8 +67,9 @@ TEST_F(InfluenceVolumes, ItemsHaveTheValuesAndTheLinesOfARun) {
     kernel::T_MODEL model;
     ASSERT_TRUE(kernel::READ_MODEL(unit, request, std::numeric_limits<std::int32_t>::max(), model).OK());
 
-    const auto check = [&](std::string_view kind, const std::vector<modelkit::T_RESPONSE>& responses) {
-      for (const modelkit::T_RESPONSE& result : responses) {
+    for (const plain::KIND& each : plain::KINDS) {
+      const std::string kind = std::to_string(each.RESULT_KIND);
+      for (const modelkit::T_RESPONSE& result : written.*each.RESPONSES) {
         T_INFLUENCE_QUESTION question{.paths = {path("model")}, .kind = FIND_KIND(kind), .id = result.id};
         if (form.included_loads > 0) question.paths.included = path("included");
         const T_INFLUENCE_VALUES values = READ_INFLUENCE(question);
@@ -91,18 +94,7 @@ TEST_F(InfluenceVolumes, ItemsHaveTheValuesAndTheLinesOfARun) {
                 << kind << ' ' << item.number;
         }
       }
-    };
-    check("disp", written.disp);
-    check("ldisp", written.ldisp);
-    check("reac", written.reac);
-    check("lreac", written.lrac);
-    check("simb", written.simb);
-    check("elink", written.elnk);
-    check("nlink", written.nlnk);
-    check("truss", written.trusses);
-    check("beam", written.beams);
-    check("plate", written.plates);
-    check("wall", written.walls);
+    }
 
 #ifndef _WIN32  // where the command line test alone has a gnuplot
     const std::string picture = path("line.svg");
@@ -115,27 +107,17 @@ TEST_F(InfluenceVolumes, ItemsHaveTheValuesAndTheLinesOfARun) {
   }
 }
 
-/// A response whose value tells where it belongs.
-modelkit::T_RESPONSE numbered(std::int32_t id, int values, int loads) {
-  modelkit::T_RESPONSE response{.id = id};
-  for (int v = 1; v <= values; ++v) {
-    std::vector<float>& line = response.values.emplace_back();
-    for (int load = 1; load <= loads; ++load) line.push_back(static_cast<float>(1000 * load + v));
-  }
-  return response;
-}
-
 /// Two sets of two and of three unit loads, with what only hosts read.
 void write_pair(const std::string& primary, const std::string& included) {
   constexpr int LOADS = 5;
   modelkit::T_MODEL model{.unit_loads = LOADS};
-  model.disp = {numbered(2, 6, LOADS), numbered(7, 6, LOADS), numbered(9, 6, LOADS)};
+  model.disp = {TELLING_RESPONSE(2, 6, LOADS), TELLING_RESPONSE(7, 6, LOADS), TELLING_RESPONSE(9, 6, LOADS)};
   model.disp[1].values.assign(6, {0, 0, 3, 4, 5});
   modelkit::T_VOLUME_FORM form{.volumes = 2, .included_loads = 2, .leave_out_zeros = true};
   form.host_elements.composite_parts = 2;
-  form.host_elements.composite_bars = {numbered(30, 70, LOADS)};
-  form.host_elements.virtual_bars = {numbered(31, 4, LOADS)};
-  form.host_elements.solids = {numbered(32, 78, LOADS)};
+  form.host_elements.composite_bars = {TELLING_RESPONSE(30, 70, LOADS)};
+  form.host_elements.virtual_bars = {TELLING_RESPONSE(31, 4, LOADS)};
+  form.host_elements.solids = {TELLING_RESPONSE(32, 78, LOADS)};
   form.host_elements.element_nodes = {{32, {2, 7, 9}}};
   modelkit::WRITE_VOLUMES(model, primary, form, included);
 }

@@ -1,7 +1,6 @@
 #include "tools/model_files.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -9,6 +8,7 @@
 
 #include "modelkit/example_span.h"
 #include "modelkit/model_writer.h"
+#include "tests/temporary_directory.h"
 #include "tools/directory_list.h"
 #include "tools/inspection.h"
 #include "tools/tool_failure.h"
@@ -16,23 +16,12 @@
 namespace tools {
 namespace {
 
-namespace fs = std::filesystem;
-
-/// A folder of its own for every test, gone afterwards.
-class ModelFiles : public testing::Test {
- protected:
-  ModelFiles() {
-    const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
-    folder_ = fs::path(testing::TempDir()) / ("movload_tools_" + test + std::to_string(getpid()));
-    fs::create_directories(folder_);
-  }
-  ~ModelFiles() override { fs::remove_all(folder_); }
-
-  [[nodiscard]] std::string path(const std::string& name) const { return (folder_ / name).string(); }
+struct ModelFiles : testing::Test {
+  [[nodiscard]] std::string path(const std::string& name) const { return files_.NAME(name); }
   void touch(const std::string& name) const { std::ofstream(path(name)) << "file"; }
 
  private:
-  fs::path folder_;
+  TEMPORARY_DIRECTORY files_;
 };
 
 using DirectoryList = ModelFiles;
@@ -93,7 +82,7 @@ TEST_F(Inspection, ElementsAreThoseThatTheElementFilesHold) {
   model.elements_per_file = 2;
   model.walls = {{.id = 1}, {.id = 5}, {.id = 7}, {.id = 9}};  // none in the second file
   const std::string files = modelkit::WRITE_MODEL(model, path("span")).path;
-  fs::resize_file(files + "W4", 2 * 51 * 133 * 4 - 1);
+  std::filesystem::resize_file(files + "W4", 2 * 51 * 133 * 4 - 1);
   const T_INSPECTION inspection = INSPECT(FIND_MODEL_FILE(path("span"), std::nullopt), 6);
   EXPECT_EQ(inspection.failures,
             std::vector<std::string>{files + "W4: the file ends within the records of an element"});
