@@ -29,7 +29,7 @@ struct T_INFLUENCE_OPTIONS {
   std::string included;
   std::string kind;
   std::int32_t id = 0;
-  std::int32_t part = 1;
+  std::optional<std::int32_t> part;
   T_INFLUENCE_VIEW view;
   bool csv = false;
   bool json = false;
@@ -42,10 +42,14 @@ struct T_INFLUENCE_OPTIONS {
 
 T_INFLUENCE_VALUES read_values(const T_INFLUENCE_OPTIONS& options) {
   T_INFLUENCE_QUESTION question;
-  question.paths = FIND_VOLUME_PATHS(options.base, options.included);
   question.kind = FIND_KIND(options.kind);
+  if (options.part && question.kind->form != ROW_FORM::COMPOSITE_BAR)
+    throw CLI::ValidationError("--part", fmt::format("results of kind {} have no parts, those of composite "
+                                                     "bars alone",
+                                                     question.kind->name));
+  question.paths = FIND_VOLUME_PATHS(options.base, options.included);
   question.id = options.id;
-  question.part = options.part;
+  question.part = options.part.value_or(1);
   const T_PROGRESS progress("reading the influence volumes of " + question.paths.base);
   return READ_INFLUENCE(question);
 }
@@ -177,7 +181,7 @@ void ADD_INFLUENCE_COMMAND(CLI::App& program) {
   command.add_option("--id", options->id, "Number of the node, support or element")->required();
   CLI::Option* const item = command.add_option("--item", options->view.item, "Component, from 1; else all");
   command.add_option("--load", options->view.loads, "Unit loads, from 1; else all")->type_name("LOAD");
-  command.add_option("--part", options->part, "Part of a composite bar")->capture_default_str();
+  command.add_option("--part", options->part, "Part of a composite bar, from 1; else the first");
   ADD_INCLUDE_OPTION(command, options->included);
   command.add_flag("--all", options->view.all, "Show every row of a long table");
   CLI::Option* const json = command.add_flag("--json", options->json, "Print JSON, for programs");

@@ -15,8 +15,22 @@ namespace {
 
 using store::LIST;
 
-constexpr std::array<std::string_view, 5> STATIONS{"at the start", "at 1/4", "at 1/2", "at 3/4",
-                                                   "at the end"};
+/// Of the records that runs go by: a point at either end of a beam or wall, and two at each station between,
+/// where lines may jump.
+constexpr std::int32_t USUAL_POINTS = 8;
+
+constexpr std::size_t N_STATIONS = 5;
+
+/// Where the point stands that a record of so many has for one of the five stations; empty where it has none.
+std::string station_name(std::size_t station, std::int32_t points) {
+  constexpr std::array<std::string_view, N_STATIONS> NAMES{"at the start", "at 1/4", "at 1/2", "at 3/4",
+                                                           "at the end"};
+  if (points == USUAL_POINTS) return std::string(NAMES[station]);
+  if (station == 0) return "at point 1";
+  if (station + 1 == N_STATIONS) return fmt::format("at point {}", points);
+  const auto pair = static_cast<std::int32_t>(station);
+  return pair <= (points - 1) / 2 ? fmt::format("at point {}", 2 * pair) : "";
+}
 
 /// Makes the items of a row.
 class ROW_MAKER {
@@ -98,26 +112,72 @@ class ROW_MAKER {
   }
 
   void make_composite() {
-    for (const std::string_view station : STATIONS)
-      for (std::int32_t i = 1; i <= 3; ++i) add(fmt::format("force {} {}", i, station));
-    for (const std::string_view station : STATIONS)
-      for (std::int32_t i = 2; i <= 5; ++i) add(fmt::format("stress {} {}", i, station));
+    const auto add_at_stations = [this](std::string_view what, std::int32_t first, std::int32_t last,
+                                        const std::optional<T_RECORD_SHAPE>& record) {
+      for (std::size_t station = 0; station < N_STATIONS; ++station) {
+        const std::string point = station_name(station, record ? record->points : USUAL_POINTS);
+        for (std::int32_t i = first; i <= last; ++i) {
+          ++row_.length;
+          add_at(row_.length, point.empty() ? "" : fmt::format("{} {} {}", what, i, point), row_.length);
+        }
+      }
+    };
+    add_at_stations("force", 1, 3, forces_);
+    add_at_stations("stress", 2, 5, stresses_);
   }
 
-  /// The columns of the items 1 to 30 of beams and walls, of which those between the ends have two, and of
-  /// the stresses of beams behind them.
+  /// An item of one column; none without a meaning, as where the record has no such point.
+  void add_at(std::int32_t number, std::string meaning, std::int32_t position) {
+    if (!meaning.empty()) row_.items.push_back({number, std::move(meaning), {position}});
+  }
+
+  /// The columns of the items 1 to 30 of beams and walls, of which those between the ends have two.
   static std::vector<std::int32_t> columns_of(std::int32_t item) {
     if (item <= 6) return {item};
     if (item <= 24) return {2 * item - 7, 2 * item - 6};
     return {item + 18};
   }
 
+  /// Items by their places, where the record isn't of the shape that runs go by: so many positions of forces
+  /// from `first_item` on, in which points 2 and 3, 4 and 5 and so on stand value by value, the later one
+  /// first.
+  void add_pairs(std::int32_t first_position, std::int32_t positions, std::int32_t per_point,
+                 std::int32_t first_item) {
+    row_.is_by_place = true;
+    for (std::int32_t at = 0; per_point > 0 && at < positions; ++at) {
+      const std::int32_t slot = at / per_point;
+      const std::int32_t pair = slot + slot % 2;  // the even point of the two
+      const bool is_paired = pair > 0 && pair < forces_->points;
+      const std::int32_t in_pair = at - (pair - 1) * per_point;
+      const std::int32_t point = is_paired ? pair + 1 - in_pair % 2 : slot + 1;
+      const std::int32_t item = first_item + (is_paired ? in_pair / 2 : at % per_point);
+      const bool is_stored = point <= forces_->points && item <= forces_->items;
+      add_at(first_position + at, is_stored ? fmt::format("force {} at point {}", item, point) : "",
+             first_position + at);
+    }
+  }
+
   void make_beam() {
     constexpr std::int32_t FORCE_ITEMS = 30;
-    constexpr std::int32_t ITEMS = 50;
-    row_.length = stresses_ ? 68 : 48;
-    for (std::int32_t item = 1; item <= (stresses_ ? ITEMS : FORCE_ITEMS); ++item) {
-      row_.items.push_back({item, BEAM_ITEM_MEANING(item), columns_of(item)});
+    constexpr std::int32_t FORCE_POSITIONS = 48;
+    constexpr std::int32_t STRESSES = 4;
+    constexpr std::int32_t FIRST_STRESS = 4;  // of the record's items
+    row_.force_positions = FORCE_POSITIONS;
+    row_.length = stresses_ ? 68 : FORCE_POSITIONS;
+    if (forces_ && *forces_ != T_RECORD_SHAPE{USUAL_POINTS, 6}) {
+      add_pairs(1, FORCE_POSITIONS, forces_->items, 1);
+    } else {
+      for (std::int32_t item = 1; item <= FORCE_ITEMS; ++item)
+        row_.items.push_back({item, BEAM_ITEM_MEANING(item), columns_of(item)});
+    }
+    for (std::int32_t place = 0; place < row_.length - FORCE_POSITIONS; ++place) {
+      const std::int32_t item = FORCE_ITEMS + 1 + place;
+      const std::int32_t position = FORCE_POSITIONS + 1 + place;
+      const std::string point = station_name(static_cast<std::size_t>(place / STRESSES), stresses_->points);
+      std::string meaning = BEAM_ITEM_MEANING(item);
+      if (stresses_->points != USUAL_POINTS)
+        meaning = point.empty() ? "" : fmt::format("stress {} {}", FIRST_STRESS + place % STRESSES, point);
+      add_at(row_.is_by_place ? position : item, std::move(meaning), position);
     }
   }
 
@@ -125,32 +185,45 @@ class ROW_MAKER {
     constexpr std::int32_t ITEMS = 105;
     constexpr std::int32_t FORCES = 30;  // components, as the library numbers them
     constexpr std::int32_t FIRST_STRESS = 46;
-    constexpr std::int32_t STRESSES = 12;
-    constexpr std::array<std::int32_t, 5> FIRST_PARTS{49, 52, 58, 64, 70};  // positions, by station
-    row_.length = stresses_ ? 132 : 72;
+    constexpr std::int32_t FORCE_POSITIONS = 72;
+    constexpr std::array<std::int32_t, N_STATIONS> FIRST_PARTS{49, 52, 58, 64, 70};  // positions, by station
+    row_.force_positions = FORCE_POSITIONS;
+    row_.length = stresses_ ? 132 : FORCE_POSITIONS;
+    if (forces_ && forces_->points != USUAL_POINTS) {
+      add_pairs(1, 48, 6, 1);
+      add_pairs(49, 24, 3, 7);
+      for (std::int32_t place = 0; place < row_.length - FORCE_POSITIONS; ++place)
+        add_wall_stress(FORCE_POSITIONS + 1 + place, place);
+      return;
+    }
     for (std::int32_t item = 1; item <= ITEMS; ++item) {
       const auto [component, part] = kernel::SPLIT_WALL_ITEM(item);
       if (component > FORCES) {
-        const std::int32_t place = component - FIRST_STRESS;
-        if (stresses_)
-          row_.items.push_back({item,
-                                fmt::format("stress {} {}", place % STRESSES + 1,
-                                            STATIONS[static_cast<std::size_t>(place / STRESSES)]),
-                                {73 + place}});
+        if (stresses_) add_wall_stress(item, component - FIRST_STRESS);
         continue;
       }
       const auto station = static_cast<std::size_t>((component - 1) / 6);
+      const std::string at = station_name(station, USUAL_POINTS);
       const std::int32_t force = (component - 1) % 6 + 1;
       std::vector<std::int32_t> positions = columns_of(component);
-      std::string meaning = fmt::format("force {} {}", force, STATIONS[station]);
+      std::string meaning = fmt::format("force {} {}", force, at);
       if (part > 0) {
         const auto columns = static_cast<std::int32_t>(positions.size());
         for (std::int32_t c = 0; c < columns; ++c)
           positions[static_cast<std::size_t>(c)] = FIRST_PARTS[station] + (part - 1) * columns + c;
-        meaning = fmt::format("force {}, part {}, {}", force, part, STATIONS[station]);
+        meaning = fmt::format("force {}, part {}, {}", force, part, at);
       }
       row_.items.push_back({item, std::move(meaning), std::move(positions)});
     }
+  }
+
+  void add_wall_stress(std::int32_t number, std::int32_t place) {
+    constexpr std::array<std::int32_t, 12> STRESS_ITEMS{5, 6, 7, 8, 12, 13, 14, 15, 16, 17, 18, 19};
+    const auto at = static_cast<std::size_t>(place);
+    const std::string point = station_name(at / STRESS_ITEMS.size(), stresses_->points);
+    add_at(number,
+           point.empty() ? "" : fmt::format("stress {} {}", STRESS_ITEMS[at % STRESS_ITEMS.size()], point),
+           row_.force_positions + 1 + place);
   }
 
   T_INFLUENCE_ROW& row_;
@@ -204,11 +277,14 @@ T_INFLUENCE_ROW MAKE_INFLUENCE_ROW(store::INFLUENCE_STORE& store, const T_KIND& 
                                    std::int32_t part) {
   const bool is_composite = kind.form == ROW_FORM::COMPOSITE_BAR;
   T_INFLUENCE_ROW row{.kind = &kind, .id = id, .part = is_composite ? part : 0};
-  const std::optional<T_RECORD_SHAPE> first = add_record(store, kind.lists[0], row);
-  const std::optional<T_RECORD_SHAPE> second =
+  std::optional<T_RECORD_SHAPE> first = add_record(store, kind.lists[0], row);
+  std::optional<T_RECORD_SHAPE> second =
       kind.lists[1] != kind.lists[0] ? add_record(store, kind.lists[1], row) : std::nullopt;
   check_part(store, row);
   check_size(row);
+  if (is_composite)  // a record has the points of all parts
+    for (std::optional<T_RECORD_SHAPE>* record : {&first, &second})
+      if (*record) (*record)->points /= store.PRIMARY().N_COMPOSITE_PARTS;
   // Trusses have forces in either list.
   const bool is_truss = kind.form == ROW_FORM::TRUSS;
   ROW_MAKER(row, is_truss && !first ? second : first, second).MAKE();

@@ -1,8 +1,9 @@
 // The rows of values that a host reads of a node or element from the influence store: how long they are, and
 // which of their positions are the columns of which item.
 //
-// Items have the numbers that a run knows them by; solids, composite and virtual bars, which runs don't
-// serve, have those of the positions. An item whose influence line may jump at a point has two columns: the
+// Items have the numbers that a run knows them by. Those of solids, composite and virtual bars, which runs
+// don't serve, have the numbers of their positions, and so have those of beams and walls whose forces aren't
+// at the points that runs go by: two ends, and two points at each of three stations between. An item whose influence line may jump at a point has two columns: the
 // value for a load just before the point, and for one just behind it.
 #pragma once
 
@@ -37,6 +38,8 @@ struct T_INFLUENCE_ROW {
   std::vector<T_STORED_RECORD> records{};
   std::int32_t length = 0;
   std::vector<T_ROW_ITEM> items{};
+  std::int32_t force_positions = 0;  // the first ones, of a beam or wall: where lines may jump
+  bool is_by_place = false;          // of a beam or wall: items have the numbers of their positions
 
   [[nodiscard]] const T_ROW_ITEM* ITEM(std::int32_t number) const;
 };

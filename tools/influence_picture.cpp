@@ -6,7 +6,6 @@
 #include <array>
 #include <optional>
 
-#include "kernel/driver.h"
 #include "tools/tool_failure.h"
 
 namespace tools {
@@ -77,9 +76,8 @@ std::vector<T_INFLUENCE_LINE> LINES_ALONG_LANE(const T_INFLUENCE_VALUES& values,
   for (std::int32_t column = 1; column <= response.COLUMNS; ++column)
     for (std::int32_t load = 1; load <= values.loads; ++load)
       response.VALUES(column, load) = values.AT(load, item.positions[static_cast<std::size_t>(column - 1)]);
-  const bool is_section_item = kernel::IS_SECTION_ITEM(values.row.kind->result_kind, item.number);
-  return LINES_OF_LANE(model, response,
-                       is_section_item ? results::ROW_LAYOUT::JUMP : results::ROW_LAYOUT::SIMPLE,
+  const bool is_force = item.positions.front() <= values.row.force_positions;
+  return LINES_OF_LANE(model, response, is_force ? results::ROW_LAYOUT::JUMP : results::ROW_LAYOUT::SIMPLE,
                        model.LANE(lane));
 }
 

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "tools/text_layout.h"
+#include "tools/volume_report.h"
 
 namespace tools {
 namespace {
@@ -68,15 +69,15 @@ std::string heading(const T_INFLUENCE_VALUES& values) {
   text += fmt::format(" ({}) of {}\n", row.kind->meaning, values.paths.base);
   if (!values.nodes.empty()) text += fmt::format("  nodes {}\n", fmt::join(values.nodes, ", "));
   for (const T_STORED_RECORD& record : row.records) text += fmt::format("  {}\n", record_text(record));
+  if (row.is_by_place)
+    text += "  not of the shape that runs go by: items are numbered by their place in the row\n";
   for (std::size_t s = 0; s < values.sets.size(); ++s) {
     const T_VOLUME_SET& set = values.sets[s];
-    const auto loads = static_cast<std::int32_t>(set.load_ids.size());
-    text += loads == 0 ? std::string("  no unit loads")
-                       : fmt::format("  unit loads {} to {}", set.first_load, set.first_load + loads - 1);
-    if (values.sets.size() > 1)
-      text += fmt::format(" of the {} set", set.is_included ? "included" : "primary");
+    text += "  ";
+    if (values.sets.size() > 1) text += SET_IN_WORDS(set) + ": ";
+    text += UNIT_LOADS_IN_WORDS(set);
     const auto held = [s](const T_STORED_RECORD& record) -> bool { return record.held[s]; };
-    if (std::ranges::none_of(row.records, held)) text += ", which has nothing of this id: 0 throughout";
+    if (std::ranges::none_of(row.records, held)) text += "; it has nothing of this id: 0 throughout";
     text += '\n';
   }
   return text + '\n';
@@ -186,7 +187,7 @@ std::string loads_text(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_VIEW&
   return text + items.rest;
 }
 
-/// Of each item the greatest and the least value.
+/// Of each item the greatest and the least value; of one that somewhere is no number, that in place of both.
 std::string overview_text(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_VIEW& view) {
   const T_SHOWN_ITEMS items(values, view);
   std::vector<std::string> headings = name_headings(items.with_faces);
@@ -196,7 +197,11 @@ std::string overview_text(const T_INFLUENCE_VALUES& values, const T_INFLUENCE_VI
     std::int32_t greatest = 1;
     std::int32_t least = 1;
     const auto at = [&](std::int32_t load) { return values.AT(load, column.POSITION()); };
-    for (std::int32_t load = 2; load <= values.loads; ++load) {
+    for (std::int32_t load = 1; load <= values.loads; ++load) {
+      if (std::isnan(at(load))) {
+        greatest = least = load;
+        break;
+      }
       if (at(load) > at(greatest)) greatest = load;
       if (at(load) < at(least)) least = load;
     }

@@ -19,24 +19,11 @@ std::string file_of(const std::string& path) {
   return NAME_OF(PATH_OF(path).filename());
 }
 
-std::int32_t last_load(const T_VOLUME_SET& set) {
-  return set.first_load + static_cast<std::int32_t>(set.load_ids.size()) - 1;
-}
-
-std::string loads_text(const T_VOLUME_SET& set) {
-  if (set.load_ids.empty()) return "no unit loads";
-  const std::string numbers = fmt::format("unit loads {} to {}", set.first_load, last_load(set));
-  const std::vector<T_IDS> runs = RUNS_OF(set.load_ids);
-  const bool same = runs.size() == 1 && runs.front().first == set.first_load;
-  return numbers + (same ? "" : ", which the solver calls " + RUNS_IN_WORDS(runs));
-}
-
 std::string sets_text(const T_VOLUME_CONTENTS& contents) {
   constexpr std::size_t FIRST_FEW = 6;
   std::string text;
   for (const T_VOLUME_SET& set : contents.sets) {
-    if (contents.sets.size() > 1)
-      text += fmt::format("  {} {}\n", set.is_included ? "included set" : "primary set", set.base_path);
+    if (contents.sets.size() > 1) text += "  " + SET_IN_WORDS(set) + '\n';
     const std::size_t indent = contents.sets.size() > 1 ? 4 : 2;
     const std::string blanks(indent, ' ');
     T_TEXT_TABLE table({"<", "", "<"});
@@ -50,7 +37,7 @@ std::string sets_text(const T_VOLUME_CONTENTS& contents) {
     text += lines.substr(lines.find('\n') + 1);  // the table has no headings
     if (set.volumes.size() > FIRST_FEW)
       text += fmt::format("{}and {} more, {} bytes in all\n", blanks, set.volumes.size() - FIRST_FEW, bytes);
-    text += blanks + loads_text(set) + '\n';
+    text += blanks + UNIT_LOADS_IN_WORDS(set) + '\n';
   }
   return text;
 }
@@ -119,6 +106,19 @@ ordered_json list_json(const T_STORED_LIST& list) {
 }
 
 }  // namespace
+
+std::string SET_IN_WORDS(const T_VOLUME_SET& set) {
+  return fmt::format("{} set {}", set.is_included ? "included" : "primary", set.base_path);
+}
+
+std::string UNIT_LOADS_IN_WORDS(const T_VOLUME_SET& set) {
+  if (set.load_ids.empty()) return "no unit loads";
+  const std::int32_t last = set.first_load + static_cast<std::int32_t>(set.load_ids.size()) - 1;
+  const std::vector<T_IDS> runs = RUNS_OF(set.load_ids);
+  const bool same = runs.size() == 1 && runs.front().first == set.first_load;
+  return fmt::format("unit loads {} to {}{}", set.first_load, last,
+                     same ? "" : ", which the solver calls " + RUNS_IN_WORDS(runs));
+}
 
 std::string VOLUMES_TEXT(const T_VOLUME_CONTENTS& contents) {
   std::string text = "Influence volumes\n" + sets_text(contents) + '\n' + lists_text(contents);

@@ -8,6 +8,10 @@
 
 namespace tools {
 
+/// "included set split/bridge_included", and "unit loads 1 to 212, which the solver calls 1 to 99, 200 to 312".
+[[nodiscard]] std::string SET_IN_WORDS(const T_VOLUME_SET& set);
+[[nodiscard]] std::string UNIT_LOADS_IN_WORDS(const T_VOLUME_SET& set);
+
 [[nodiscard]] std::string VOLUMES_TEXT(const T_VOLUME_CONTENTS& contents);
 [[nodiscard]] nlohmann::ordered_json VOLUMES_JSON(const T_VOLUME_CONTENTS& contents);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -139,9 +140,9 @@ TEST_F(InfluenceVolumes, TwoSetsAreShownAsOne) {
 
   EXPECT_EQ(run("influence " + both + " --kind disp --id 7 --item 3 --csv"),
             "load,load_id,item_3\n1,1,0\n2,2,0\n3,3,3\n4,4,4\n5,5,5\n");
-  EXPECT_NE(
-      run("influence " + both + " --kind disp --id 7").find("included set, which has nothing of this id"),
-      std::string::npos);
+  EXPECT_NE(run("influence " + both + " --kind disp --id 7")
+                .find("more: unit loads 1 to 2; it has nothing of this id"),
+            std::string::npos);
   for (const auto& [kind, length, before] : {std::tuple{"composite --id 30 --part 2", 35, 35},
                                              {"virtual --id 31", 4, 0},
                                              {"solid --id 32", 78, 0}}) {
@@ -158,6 +159,50 @@ TEST_F(InfluenceVolumes, TwoSetsAreShownAsOne) {
   modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{stresses}}}, path("stresses_alone"));
   EXPECT_EQ(run("influence " + path("stresses_alone") + " --kind solid --id 40 --item 30 --csv"),
             "load,load_id,item_30\n1,1,8\n");
+}
+
+/// A block of one element whose values tell their point and item: 100 p + i.
+modelkit::T_VOLUME_BLOCK numbered_block(std::int32_t id, std::vector<std::int32_t> item_codes,
+                                        std::int32_t result_code, std::int32_t points, std::int32_t parts) {
+  modelkit::T_VOLUME_BLOCK block{.tag = modelkit::STREAM_ELEMENTS,
+                                 .ids = {id},
+                                 .item_codes = std::move(item_codes),
+                                 .result_code = result_code,
+                                 .points = points};
+  const std::int32_t items = static_cast<std::int32_t>(block.item_codes.size()) / parts;
+  for (std::int32_t p = 0; p < points * parts; ++p)
+    for (std::int32_t i = 1; i <= items; ++i)
+      block.data.push_back(static_cast<float>(100 * (p % points + 1) + i));
+  return block;
+}
+
+TEST_F(InfluenceVolumes, ElementsOfAnyPointsAreNamedByThem) {
+  using CODES = std::vector<std::int32_t>;
+  const CODES composite{30001001, 30001002, 30001003, 30002001, 30002002, 30002003};
+  for (const std::int32_t points : {1, 2, 5, 7, 9}) {
+    modelkit::WRITE_VOLUME_SET({.load_ids = {1},
+                                .volumes = {{numbered_block(1, CODES(6, 140001), 140401, points, 1),
+                                             numbered_block(1, CODES(7, 140001), 142101, points, 1),
+                                             numbered_block(2, CODES(9, 150001), 140401, points, 1),
+                                             numbered_block(2, CODES(19, 150001), 142101, points, 1),
+                                             numbered_block(3, composite, 30000601, points, 2)}}},
+                               path("model"));
+    for (const auto& [kind, forces] : {std::pair{"beam --id 1", std::min(6 * points, 48)},
+                                       {"wall --id 2", std::min(6 * points, 48) + std::min(3 * points, 24)},
+                                       {"composite --id 3 --part 2", 3 * std::min((points + 3) / 2, 5)}}) {
+      const nlohmann::json values = answer("influence " + path("model") + " --kind " + kind);
+      int named = 0;
+      for (std::size_t c = 0; c < values["columns"].size(); ++c) {
+        const auto meaning = values["columns"][c]["meaning"].get<std::string>();
+        int item = 0;
+        int point = 0;
+        if (std::sscanf(meaning.c_str(), "%*s %d at point %d", &item, &point) != 2) continue;
+        EXPECT_EQ(values["values"][0][c], 100 * point + item) << kind << ", " << points << ": " << meaning;
+        named += meaning.starts_with("force");
+      }
+      EXPECT_EQ(named, forces) << kind << ", " << points;
+    }
+  }
 }
 
 TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
@@ -177,8 +222,12 @@ TEST_F(InfluenceVolumes, WhatIsNotThereIsTold) {
   for (const char* command : {"inspect ", "influence --kind disp --id 2 "})
     says(run(command + path("own") + " --include " + path("more")), "more_001.BLK");
 
+  modelkit::T_VOLUME_BLOCK nodes{.ids = {1, 2, 9}, .item_codes = {101}, .result_code = 101};
+  nodes.data = {1, std::numeric_limits<float>::quiet_NaN(), 3};
+  modelkit::WRITE_VOLUME_SET({.load_ids = {1, 2, 3}, .volumes = {{nodes}}}, path("nodes"));
+  says(run("influence " + path("nodes") + " --kind disp --id 1"), "nan        2    nan        2");
+
   // Sets that the library joins all the same.
-  const modelkit::T_VOLUME_BLOCK nodes{.ids = {1, 2, 9}, .item_codes = {101}, .result_code = 101};
   modelkit::T_VOLUME_BLOCK others = nodes;
   others.ids = {1, 3, 9};
   modelkit::WRITE_VOLUME_SET({.load_ids = {1}, .volumes = {{nodes}}}, path("nodes"));
