@@ -10,7 +10,7 @@ namespace kernel {
 namespace {
 
 HANDLE handle_of(std::intptr_t number) noexcept {
-  return reinterpret_cast<HANDLE>(number);
+  return reinterpret_cast<HANDLE>(number);  // NOLINT(performance-no-int-to-ptr): the header names no HANDLE
 }
 
 }  // namespace

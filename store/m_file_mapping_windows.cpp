@@ -12,7 +12,7 @@ namespace {
 constexpr std::int64_t GRANULARITY = 65536;
 
 HANDLE handle_of(std::intptr_t number) noexcept {
-  return reinterpret_cast<HANDLE>(number);
+  return reinterpret_cast<HANDLE>(number);  // NOLINT(performance-no-int-to-ptr): the header names no HANDLE
 }
 
 }  // namespace

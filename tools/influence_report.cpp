@@ -150,11 +150,9 @@ struct T_SHOWN_ITEMS {
     const std::vector<std::int32_t> loads = loads_of(values, view);
     for (const T_VALUE_COLUMN& column : columns_of(values, view)) {
       const auto is_zero = [&](std::int32_t load) { return values.AT(load, column.POSITION()) == 0; };
-      if (view.all)
-        columns.push_back(column);
-      else if (std::ranges::all_of(loads, is_zero))
+      if (!view.all && std::ranges::all_of(loads, is_zero))
         ++zeros;
-      else if (columns.size() < MOST_ROWS)
+      else if (view.all || columns.size() < MOST_ROWS)
         columns.push_back(column);
       else
         ++more;

@@ -372,7 +372,7 @@ ordered_json results_json(const T_INSPECTION& inspection) {
 }  // namespace
 
 std::string INSPECTION_TEXT(const T_INSPECTION& inspection) {
-  const std::string volumes = inspection.volumes ? VOLUMES_TEXT(*inspection.volumes) : "";
+  std::string volumes = inspection.volumes ? VOLUMES_TEXT(*inspection.volumes) : "";
   if (inspection.file.file_name.empty()) return volumes;
   return fmt::format("{}: {} bytes, analysis code {}\n", inspection.file.file_name,
                      inspection.directory.file_bytes, inspection.file.analysis_code) +
