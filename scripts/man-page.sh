@@ -3,8 +3,10 @@
 # with the help of each subcommand.
 # Usage: man-page.sh PATH_TO_PROGRAM PAGE.1.gz
 set -euo pipefail
-movload=$1
-page=$2
+page=$(realpath -m "$2")
+# help2man hands the program's path to a shell as it is: blanks in a folder's name would end it.
+cd "$(dirname "$1")"
+movload=./$(basename "$1")
 sections=$(mktemp)
 trap 'rm -f "$sections"' EXIT
 
