@@ -1,5 +1,6 @@
 #include "kernel/block_file.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -40,8 +41,7 @@ bool is_header(UNPACK header, std::int32_t file_kind, std::int64_t& next) {
 /// Number of records from first to last, kept within 64 bits for whatever a damaged entry claims.
 std::int64_t count_of_records(std::int64_t first, std::int64_t last) {
   constexpr std::int64_t LIMIT = std::numeric_limits<std::int64_t>::max() / 4;
-  if (first > LIMIT || first < -LIMIT || last > LIMIT || last < -LIMIT) return 0;
-  return last - first + 1;
+  return std::clamp(last, -LIMIT, LIMIT) - std::clamp(first, -LIMIT, LIMIT) + 1;
 }
 
 template <class VERSION>

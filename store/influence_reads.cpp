@@ -245,19 +245,23 @@ class READER {
   /// record says where the stresses of plates stand.
   void READ_LOADS(std::size_t set, std::size_t layout_set, std::int64_t first, std::int64_t loads,
                   float* rows) {
+    if (loads < 1) return;
     std::array<T_ROW_MAP, 2> maps{T_ROW_MAP(store_.READ_SPACES()[0], read_),
                                   T_ROW_MAP(store_.READ_SPACES()[1], read_)};
     for (std::size_t i = 0; i < parts_.size(); ++i) {
-      const T_NODE* node = node_with_data(set, parts_[i]);
+      const T_NODE* node = store_.NODE(set, parts_[i].SOURCE, parts_[i].ROW);
       if (node != nullptr) place_part(parts_[i], *node, layout_set, maps[i]);
     }
     if (!fills_rows(maps)) std::fill_n(rows, loads * read_.POSITIONS, 0.0F);
     for (std::size_t i = 0; i < parts_.size(); ++i) {
       if (maps[i].IS_EMPTY()) continue;
-      const STATUS status =
-          copy_part(store_.SETS()[set], *node_with_data(set, parts_[i]), maps[i], first, loads, rows);
-      if (status.OK()) continue;
-      outcome_ = status;
+      const T_NODE& node = *store_.NODE(set, parts_[i].SOURCE, parts_[i].ROW);
+      if (node.VOLUME > 0) {
+        const STATUS status = copy_part(store_.SETS()[set], node, maps[i], first, loads, rows);
+        if (status.OK()) continue;
+        outcome_ = status;
+      }
+      // Of a set without the record zeros, over values of the other part where the two overlap.
       clear_part(maps[i], loads, rows);
     }
   }
@@ -265,11 +269,6 @@ class READER {
   [[nodiscard]] const STATUS& OUTCOME() const { return outcome_; }
 
  private:
-  [[nodiscard]] const T_NODE* node_with_data(std::size_t set, const T_PART& part) const {
-    const T_NODE* node = store_.NODE(set, part.SOURCE, part.ROW);
-    return node != nullptr && node->VOLUME > 0 && store_.SETS()[set].N_LOADS > 0 ? node : nullptr;
-  }
-
   /// Whether every position is about to be written. The parts may overlap where the sets disagree on the
   /// points of a plate.
   [[nodiscard]] bool fills_rows(const std::array<T_ROW_MAP, 2>& maps) const {

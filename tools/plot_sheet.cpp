@@ -380,7 +380,7 @@ class PANEL {
         dimensions_.PLACE((low + high) / 2, width_of_spacing, width_of_spacing);
     if (place) canvas_.TEXT({*place, base_ + DIMENSION_LINE + 12.0}, spacing, SMALL, ALIGN::CENTRE);
     if (!lane_.clear) return;
-    const auto [first, last] = std::ranges::minmax({hb.axles.front().x, hb.axles.back().x});
+    const auto [first, last] = std::minmax({hb.axles.front().x, hb.axles.back().x});
     dimension(at_x(lane_.clear->start), low, short_metres(first - lane_.clear->start) + " m clear");
     dimension(high, at_x(lane_.clear->end), short_metres(lane_.clear->end - last) + " m clear");
   }
@@ -424,7 +424,7 @@ class PANEL {
 
   /// The lines of a part of the influence line as inline data; returns its name.
   std::string data(const T_INFLUENCE_LINE& line, std::string_view kind) {
-    const std::string name = fmt::format("${}{}", kind, ++blocks_ + 1000 * number_);
+    std::string name = fmt::format("${}{}", kind, ++blocks_ + 1000 * number_);
     std::string text = name + " << EOD\n";
     const auto row = [&](double x, double ordinate) {
       text += fmt::format("{:.6g} {:.6g}\n", x, ordinate / scales_.ordinate_unit);

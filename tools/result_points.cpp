@@ -136,8 +136,7 @@ std::vector<std::int32_t> STORED_IDS(const store::INFLUENCE_STORE& store, const 
   for (const store::LIST list : kind.lists)
     for (const store::T_NODE& node : store.ROWS(list)) ids.push_back(node.ID);
   std::ranges::sort(ids);
-  const auto rest = std::ranges::unique(ids);
-  ids.erase(rest.begin(), rest.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
   return ids;
 }
 

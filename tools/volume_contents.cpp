@@ -93,8 +93,7 @@ class CONTENTS_READER {
     contents.composite_parts = store_.PRIMARY().N_COMPOSITE_PARTS;
     contents.virtual_bar_mark = store_.PRIMARY().VIRTUAL_BAR_MARK;
     std::ranges::sort(elements_);
-    const auto [first, last] = std::ranges::unique(elements_);
-    elements_.erase(first, last);
+    elements_.erase(std::unique(elements_.begin(), elements_.end()), elements_.end());
     contents.elements_with_nodes = std::ranges::count_if(
         elements_, [this](std::int32_t id) { return store_.MAPS().ELEMENT_NODES.COUNT(id) > 0; });
   }

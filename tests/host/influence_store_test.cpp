@@ -351,6 +351,13 @@ TEST_F(store_test, the_primary_set_tells_where_the_stresses_of_plates_stand_unde
   values.resize(70);
   EXPECT_EQ(values, expected);
   EXPECT_EQ(read_one(ELEMENT, 1, 1, 70).at(40), 5.0F);
+  // An included set without stresses has zeros for them, in the same places.
+  write({.load_ids = {1}, .volumes = {{block_of(410401, 8, 5)}}}, files.NAME("included"));
+  init(files.NAME(), files.NAME("included"));
+  std::fill_n(expected.begin() + 8, 30, 0.0F);
+  values = read_all(ELEMENT, 1, 70, 2);
+  values.resize(70);
+  EXPECT_EQ(values, expected);
   write_plate(0, files.NAME("included"));
   init(files.NAME());
   EXPECT_EQ(read_one(ELEMENT, 1, 1, 70).at(8), 5.0F);
