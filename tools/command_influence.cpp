@@ -129,18 +129,6 @@ void run(const T_INFLUENCE_OPTIONS& options) {
   tell_of_forgotten_set(options, values);
 }
 
-std::string kind_help() {
-  std::vector<std::string> names;
-  for (const T_KIND& kind : ALL_KINDS()) names.emplace_back(kind.name);
-  std::string text = "Kind of result:";
-  for (const std::string& line : WRAP(names, ", ", 60)) text += "\n" + line;
-  return text + "\n(elink and nlink stand in one list)";
-}
-
-std::string kind_fault(const std::string& text) {
-  return FIND_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text) : std::string();
-}
-
 void add_picture_options(CLI::App& command, T_INFLUENCE_OPTIONS& options, CLI::Option* item) {
   CLI::Option* const lane = command.add_option("--lane", options.lane, "Lane of the picture, from 1");
   CLI::Option* const picture = command
@@ -157,7 +145,8 @@ void add_picture_options(CLI::App& command, T_INFLUENCE_OPTIONS& options, CLI::O
       ->needs(picture);
   command
       .add_option("--analysis-code", options.analysis_code,
-                  "Chooses the block directory file with the lanes, as for the other commands")
+                  "Chooses the block directory file with the lanes, as for the other\n"
+                  "commands")
       ->check(CLI::Range(FIRST_ANALYSIS_CODE, LAST_ANALYSIS_CODE))
       ->type_name("CODE")
       ->needs(picture);
@@ -171,16 +160,15 @@ void ADD_INFLUENCE_COMMAND(CLI::App& program) {
       *program.add_subcommand("influence", "Show the influence values of a node or element under unit loads");
   command
       .add_option("BASE", options->base,
-                  "The influence volumes: path and stem, or the full name of the first one")
+                  "Influence volumes: path and stem, or the full name of the first one")
       ->type_name("")
       ->required();
-  command.add_option("--kind", options->kind, kind_help())
-      ->required()
-      ->check(CLI::Validator(kind_fault, ""))
-      ->type_name("KIND");
+  ADD_KIND_OPTION(command, options->kind, ALL_KINDS());
   command.add_option("--id", options->id, "Number of the node, support or element")->required();
   CLI::Option* const item = command.add_option("--item", options->view.item, "Component, from 1; else all");
-  command.add_option("--load", options->view.loads, "Unit loads, from 1; else all")->type_name("LOAD");
+  command.add_option("--load", options->view.loads, "Unit loads, from 1; else all")
+      ->delimiter(',')
+      ->type_name("LOAD");
   command.add_option("--part", options->part, "Part of a composite bar, from 1; else the first");
   ADD_INCLUDE_OPTION(command, options->included);
   command.add_flag("--all", options->view.all, "Show every row of a long table");
@@ -193,7 +181,7 @@ void ADD_INFLUENCE_COMMAND(CLI::App& program) {
       "  movload influence demo/bridge --kind beam --id 18\n"
       "  movload influence demo/bridge --kind beam --id 18 --item 15 --csv\n"
       "  movload influence demo/bridge --kind beam --id 18 --item 15 --lane 2 --picture line.svg\n"
-      "`movload inspect BASE` lists kinds and ids.");
+      "`movload inspect BASE` lists kinds and ids; elink and nlink stand in one list.");
   command.callback([options] { run(*options); });
 }
 

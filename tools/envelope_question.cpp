@@ -1,7 +1,6 @@
 #include "tools/envelope_question.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -146,12 +145,6 @@ T_HOST_ANSWER ask(const T_HOST_QUESTION& question, const T_ENVELOPE_REPORT& repo
   }
 }
 
-std::string kind_help() {
-  std::vector<std::string> names;
-  for (const T_KIND& kind : RUN_KINDS()) names.push_back(fmt::format("{} ({})", kind.name, kind.result_kind));
-  return fmt::format("Kind of result, by name or number:\n{}", fmt::join(names, ", "));
-}
-
 }  // namespace
 
 void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question) {
@@ -161,22 +154,14 @@ void ADD_QUESTION_OPTIONS(CLI::App& command, T_ENVELOPE_QUESTION& question) {
                        "Take the responses from the model's influence volumes, BASE_000.BLK\n"
                        "and so on, in place of blocks and element files");
   ADD_INCLUDE_OPTION(command, question.included).needs(store);
-  command.add_option("--kind", question.kind, kind_help())
-      ->required()
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            return FIND_RUN_KIND(text) == nullptr ? fmt::format("'{}' is no kind of result", text)
-                                                  : std::string();
-          },
-          ""))
-      ->type_name("KIND");
+  ADD_KIND_OPTION(command, question.kind, RUN_KINDS());
   command.add_option("--id", question.id, "Number of the node, support or element")->required();
   command.add_option("--item", question.item, "Component, from 1")->required();
   command.add_option("--case", question.mv_case, "Moving load case, from 1")->required();
 }
 
 T_ENVELOPE_ANSWER ANSWER_TO(const T_ENVELOPE_QUESTION& question) {
-  const T_KIND& kind = *FIND_RUN_KIND(question.kind);
+  const T_KIND& kind = *FIND_KIND(question.kind, RUN_KINDS());
   T_ENVELOPE_ANSWER result;
   T_ENVELOPE_REPORT& report = result.report;
   report.file = question.model.FIND_FILE();

@@ -1,6 +1,12 @@
 #include "tools/model_options.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <CLI/CLI.hpp>
+#include <vector>
+
+#include "tools/text_layout.h"
 
 namespace tools {
 
@@ -27,6 +33,23 @@ CLI::Option& ADD_INCLUDE_OPTION(CLI::App& command, std::string& included) {
                           "path and stem, or the full name of its first volume")
               ->check(CLI::Validator(fault, ""))
               ->type_name("BASE");
+}
+
+void ADD_KIND_OPTION(CLI::App& command, std::string& kind, std::span<const T_KIND> kinds) {
+  std::vector<std::string> names;
+  for (const T_KIND& row : kinds)
+    names.push_back(row.result_kind == 0 ? std::string(row.name)
+                                         : fmt::format("{} ({})", row.name, row.result_kind));
+  const auto fault = [kinds](const std::string& text) {
+    return FIND_KIND(text, kinds) == nullptr ? fmt::format("'{}' is no kind of result", text) : std::string();
+  };
+  command
+      .add_option(
+          "--kind", kind,
+          fmt::format("Kind of result, by name or number:\n{}", fmt::join(WRAP(names, ", ", 64), "\n")))
+      ->required()
+      ->check(CLI::Validator(fault, ""))
+      ->type_name("KIND");
 }
 
 }  // namespace tools

@@ -34,14 +34,6 @@ constexpr std::array<T_KIND, 14> KINDS{{
     {"virtual", 0, "stress of a virtual bar", ROW_FORM::VIRTUAL_BAR, one(LIST::N_1152)},
 }};
 
-const T_KIND* find(std::span<const T_KIND> kinds, std::string_view name_or_number) {
-  const auto kind = std::ranges::find_if(kinds, [name_or_number](const T_KIND& row) {
-    return row.name == name_or_number ||
-           (row.result_kind != 0 && fmt::to_string(row.result_kind) == name_or_number);
-  });
-  return kind == kinds.end() ? nullptr : &*kind;
-}
-
 }  // namespace
 
 std::span<const T_KIND> ALL_KINDS() {
@@ -52,12 +44,12 @@ std::span<const T_KIND> RUN_KINDS() {
   return ALL_KINDS().first(N_RUN_KINDS);
 }
 
-const T_KIND* FIND_KIND(std::string_view name_or_number) {
-  return find(ALL_KINDS(), name_or_number);
-}
-
-const T_KIND* FIND_RUN_KIND(std::string_view name_or_number) {
-  return find(RUN_KINDS(), name_or_number);
+const T_KIND* FIND_KIND(std::string_view name_or_number, std::span<const T_KIND> kinds) {
+  const auto kind = std::ranges::find_if(kinds, [name_or_number](const T_KIND& row) {
+    return row.name == name_or_number ||
+           (row.result_kind != 0 && fmt::to_string(row.result_kind) == name_or_number);
+  });
+  return kind == kinds.end() ? nullptr : &*kind;
 }
 
 std::string BEAM_ITEM_MEANING(std::int32_t item) {

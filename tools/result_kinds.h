@@ -36,10 +36,9 @@ struct T_KIND {
 [[nodiscard]] std::span<const T_KIND> ALL_KINDS();
 [[nodiscard]] std::span<const T_KIND> RUN_KINDS();
 
-/// A kind by its name or its number; null for neither.
-[[nodiscard]] const T_KIND* FIND_KIND(std::string_view name_or_number);
-/// The same among those that a run can be asked for.
-[[nodiscard]] const T_KIND* FIND_RUN_KIND(std::string_view name_or_number);
+/// One of these kinds by its name or its number; null for neither.
+[[nodiscard]] const T_KIND* FIND_KIND(std::string_view name_or_number,
+                                      std::span<const T_KIND> kinds = ALL_KINDS());
 
 /// A beam's item in the order in which modelkit writes them, which the library doesn't know of: "shear at
 /// 1/2". Empty for an item that beams haven't.
