@@ -3,8 +3,9 @@
 //
 // Items have the numbers that a run knows them by. Those of solids, composite and virtual bars, which runs
 // don't serve, have the numbers of their positions, and so have those of beams and walls whose forces aren't
-// at the points that runs go by: two ends, and two points at each of three stations between. An item whose influence line may jump at a point has two columns: the
-// value for a load just before the point, and for one just behind it.
+// at the points that runs go by: two ends, and two points at each of three stations between. An item whose
+// influence line may jump at a point has two columns: the value for a load just before the point, and for one
+// just behind it.
 #pragma once
 
 #include <cstdint>
