@@ -271,7 +271,8 @@ void run(const T_EXAMPLE_OPTIONS& options) {
   PRINT(text + '\n');
 }
 
-/// Spans go with the examples that have them: none with the bridge, one or two with the others.
+/// Spans go with the examples that have them: none with the bridge, one or two with the others. What is no
+/// number lies within any range.
 void check_spans(const T_EXAMPLE_OPTIONS& options) {
   const std::size_t most = options.which == "bridge" ? 0 : options.which == "two-span" ? 2 : 1;
   if (options.spans.size() > most) {
@@ -279,6 +280,8 @@ void check_spans(const T_EXAMPLE_OPTIONS& options) {
                                fmt::format("the example '{}' takes {} length{}", options.which,
                                            most == 0 ? "no" : std::to_string(most), most == 1 ? "" : "s"));
   }
+  if (std::ranges::any_of(options.spans, [](double span) { return std::isnan(span); }))
+    throw CLI::ValidationError("--span", "a length is no number");
 }
 
 }  // namespace

@@ -158,11 +158,24 @@ void check_answer(const T_PLOT_OPTIONS& options, const T_ENVELOPE_ANSWER& answer
                        "run `movload inspect` to see which results and cases the files hold");
 }
 
+/// A side without a governing loading has no lanes, and a straddle lane has a line where it is loaded alone.
+void check_sheet(const T_PLOT_OPTIONS& options, const T_SHEET& sheet) {
+  const auto has_line = [](const T_DRAWN_LANE& lane) { return !lane.line.empty(); };
+  if (std::ranges::any_of(sheet.columns, [&](const T_SHEET_COLUMN& column) {
+        return std::ranges::any_of(column.drawn.lanes, has_line);
+      }))
+    return;
+  throw T_TOOL_FAILURE("there is nothing to draw: no load, and no influence line",
+                       fmt::format("choose another --{}; `movload envelope` shows what is loaded",
+                                   options.lane ? "lane" : "side"));
+}
+
 void run(const T_PLOT_OPTIONS& options) {
   const PICTURE format = *PICTURE_FORMAT(options.picture_file);
   const T_ENVELOPE_ANSWER answer = ANSWER_TO(options.question);
   check_answer(options, answer);
   const T_SHEET sheet = make_sheet(options, answer);
+  check_sheet(options, sheet);
   const std::string script = SHEET_SCRIPT(sheet, format);
   if (!options.script_file.empty()) WRITE_PICTURE_FILE(options.script_file, script);
   WRITE_PICTURE_FILE(options.picture_file, RUN_GNUPLOT(script));
@@ -194,10 +207,14 @@ void ADD_PLOT_COMMAND(CLI::App& program) {
       "Example, the moment at midspan of the inner beam of the example bridge with an HB in one lane:\n"
       "  movload example demo\n"
       "  movload plot demo/bridge --kind simb --id 3 --item 3 --case 4 --unit kNm -o moment.svg\n"
-      "The picture has a column for each side and a panel for each lane: above, what stands on the lane; "
-      "below, its\n"
-      "influence line with the area under the UDL, the knife edge and the axles. gnuplot must be installed.");
-  command.callback([options] { run(*options); });
+      "The picture has a column for each side and a panel for each lane: above, what stands on the lane;\n"
+      "below, its influence line with the area under the UDL, the knife edge and the axles. gnuplot must be\n"
+      "installed.");
+  command.callback([options] {
+    if (options->script_file == options->picture_file)
+      throw CLI::ValidationError("--script", "the picture goes into this file");
+    run(*options);
+  });
 }
 
 }  // namespace tools

@@ -34,8 +34,8 @@ std::string RUN_GNUPLOT(const std::string& script) {
   if (!drawn.succeeded || drawn.output.empty()) {
     throw T_TOOL_FAILURE(
         fmt::format("gnuplot can't draw the picture: {}", first_message(drawn.messages)),
-        "movload needs gnuplot 5 with the terminals svg and pngcairo, on Debian from gnuplot-nox; keep the "
-        "script with --script to see what it stumbles over");
+        "movload needs gnuplot 5 with the terminals svg and pngcairo, on Debian from gnuplot-nox; "
+        "`movload plot --script FILE` keeps a script to see what it stumbles over");
   }
   return std::move(drawn.output);
 }

@@ -128,9 +128,10 @@ std::string NAMES_BESIDE(const std::string& path,
                          const std::function<std::optional<std::string>(const std::string&)>& name_of) {
   namespace fs = std::filesystem;
   constexpr std::ptrdiff_t FIRST_FEW = 6;
-  const fs::path folder = PATH_OF(path).parent_path();
-  std::set<std::string> names;
   std::error_code error;
+  const fs::path given = PATH_OF(path);
+  const fs::path folder = fs::is_directory(given, error) ? given : given.parent_path();
+  std::set<std::string> names;
   for (fs::directory_iterator file(folder.empty() ? "." : folder, error), end; !error && file != end;
        file.increment(error)) {
     if (std::optional<std::string> name = name_of(NAME_OF(file->path().filename())))

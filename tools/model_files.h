@@ -33,7 +33,7 @@ struct T_MODEL_FILE {
 void READ_MODEL_FILE(const T_MODEL_FILE& file, kernel::RECORD_FILE& unit, kernel::T_MODEL& model);
 
 /// For advice on a path that leads nowhere: ". In that folder: a, b" with the first few of the names that
-/// `name_of` makes of the files beside it, or nothing.
+/// `name_of` makes of the files beside it, or in it where it is a folder; or nothing.
 [[nodiscard]] std::string NAMES_BESIDE(
     const std::string& path, const std::function<std::optional<std::string>(const std::string&)>& name_of);
 

@@ -8,7 +8,9 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <string>
+#include <vector>
 
 #include "movload.h"
 #include "tools/command_envelope.h"
@@ -26,7 +28,11 @@ enum EXIT_CODE : int { DONE = 0, FAILED = 1, WRONG_USAGE = 2 };
 std::string usage_text(const CLI::App* program, const CLI::Error& error) {
   std::string command = program->get_name();
   for (const CLI::App* chosen : program->get_subcommands()) command += " " + chosen->get_name();
-  return fmt::format("movload: {}\nwhat to do: run `{} --help`\n", error.what(), command);
+  const std::vector<std::string> unknown = program->remaining();
+  const bool is_unknown_command = program->get_subcommands().empty() && !unknown.empty();
+  return fmt::format("movload: {}\nwhat to do: run `{} --help`\n",
+                     is_unknown_command ? fmt::format("'{}' is no command", unknown.front()) : error.what(),
+                     command);
 }
 
 int failed(const std::string& reason, const std::string& advice) {
@@ -56,8 +62,9 @@ int run(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? DONE : WRONG_USAGE;
+    if (program.exit(error) != 0) return WRONG_USAGE;
   }
+  std::cout.flush();
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
     return failed("the output can't be written", "make room on the disk, or write somewhere else");
   return DONE;

@@ -3,9 +3,17 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace tools {
 namespace {
+
+/// A text with a mark in place of what isn't UTF-8, of which no picture could be made.
+std::string as_utf8(std::string_view text) {
+  const std::string replaced =
+      nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  return nlohmann::json::parse(replaced).get<std::string>();
+}
 
 std::string pen_text(const T_PEN& pen) {
   return fmt::format("lw {} lc rgb '{}' dt {}", pen.width, pen.colour, pen.dashed ? "(8,6)" : "1");
@@ -27,7 +35,7 @@ std::string label_text(std::string_view text, const T_FONT& font) {
 
 std::string GNUPLOT_STRING(std::string_view text) {
   std::string quoted = "'";
-  for (const char character : text) {
+  for (const char character : as_utf8(text)) {
     if (character == '\'') {
       quoted += "''";
     } else {

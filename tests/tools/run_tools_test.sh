@@ -54,6 +54,7 @@ says out "movload "
 for command in example inspect influence envelope plot; do
   expect 0 "$command" --help
   says out "Example"
+  narrow
 done
 expect 0 --help
 says out "Exit codes"
@@ -159,6 +160,10 @@ expect 2 plot $bridge --kind simb --id 3 --item 3 --case 4 -o picture.pdf
 expect 1 plot $bridge --kind simb --id 3 --item 3 --case 4 -o nowhere/picture.svg
 expect 1 plot $bridge --kind simb --id 3 --item 3 --case 4 --lane 5 -o picture.svg
 says err "--lane of 1 to 4"
+expect 1 plot $bridge --kind simb --id 3 --item 3 --case 4 --lane 4 -o picture.svg
+says err "choose another --lane"
+expect 0 plot $bridge --kind simb --id 3 --item 3 --case 4 --title $'\xff' -o picture.svg
+python3 -c "import xml.dom.minidom as xml; xml.parse('picture.svg')" || fault "a picture of what isn't UTF-8"
 expect 1 plot $bridge --kind simb --id 6 --item 3 --case 4 -o picture.svg
 says err "the files hold no simb 6"
 PATH=/nowhere "$movload" plot $bridge --kind simb --id 3 --item 3 --case 4 -o picture.svg >out 2>err && fault "no gnuplot"
@@ -236,6 +241,7 @@ if compgen -G "Brücke 1/span.*[W1]" >/dev/null; then fault "element files of an
 # Wrong usage.
 expect 2
 expect 2 envelop
+says err "'envelop' is no command"
 expect 2 envelope $bridge
 expect 2 envelope $bridge --kind 7 --id 1 --item 1 --case 1
 expect 2 envelope $bridge --kind disp --id one --item 1 --case 1
@@ -244,6 +250,9 @@ expect 2 influence $bridge --kind disp --id 1 --csv --json
 expect 2 influence $bridge --kind disp --id 1 --item 3 --picture line.svg
 expect 2 example . --which tunnel
 expect 2 example . --span 30
+expect 2 example . --which span --span nan
+expect 2 influence $bridge --kind beam --id 18 --part 1
+expect 2 plot $bridge --kind disp --id 1 --item 3 --case 1 -o picture.svg --script picture.svg
 expect 2 inspect $bridge --analysis-code 9
 
 # Questions that fail, and questions beyond the files.
@@ -281,7 +290,8 @@ expect 1 inspect folder
 if [[ -c /dev/full ]]; then
   code=0
   "$movload" inspect $bridge >/dev/full 2>err || code=$?
-  if [[ $code -ne 1 ]]; then fault "a full disk goes unnoticed"; fi
+  "$movload" --help >/dev/full 2>err || code+=$?
+  if [[ $code -ne 11 ]]; then fault "a full disk goes unnoticed"; fi
 fi
 
 if [[ $faults -gt 0 ]]; then
