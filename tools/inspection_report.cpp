@@ -109,8 +109,7 @@ std::string counts_text(const T_INSPECTION& inspection) {
   if (inspection.class_definitions)
     add(fmt::to_string(*inspection.class_definitions), "lane definitions of a vehicle class");
   if (inspection.has_axle_lists) add(*inspection.has_axle_lists ? "yes" : "no", "axle lists");
-  const std::string text = table.TEXT();
-  return "\nCounts\n" + text.substr(text.find('\n') + 1);  // the table has no headings
+  return "\nCounts\n" + table.TEXT();
 }
 
 std::string lanes_text(const T_INSPECTION& inspection) {

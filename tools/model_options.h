@@ -22,7 +22,8 @@ struct T_MODEL_OPTIONS {
 /// Adds BASE and --analysis-code to a command. The options must outlive it.
 void ADD_MODEL_OPTIONS(CLI::App& command, T_MODEL_OPTIONS& options);
 
-/// Adds --include, which names an included set of influence volumes, to a command. The string must outlive it.
+/// Adds --include, which names an included set of influence volumes, to a command. The string must outlive
+/// it.
 CLI::Option& ADD_INCLUDE_OPTION(CLI::App& command, std::string& included);
 
 /// Adds --kind, one of these kinds by name or number, to a command. The string must outlive it.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <span>
 
 namespace tools {
 
@@ -53,7 +54,9 @@ std::string T_TEXT_TABLE::TEXT(std::size_t indent) const {
   for (const auto& row : rows_)
     for (std::size_t c = 0; c < row.size(); ++c) widths[c] = std::max(widths[c], row[c].size());
   std::string text;
-  for (const auto& row : rows_) {
+  const bool has_headings =
+      std::ranges::any_of(rows_.front(), [](const std::string& heading) { return !heading.empty(); });
+  for (const auto& row : std::span(rows_).subspan(has_headings ? 0 : 1)) {
     std::string line(indent, ' ');
     for (std::size_t c = 0; c < row.size(); ++c) {
       line += left_[c] ? fmt::format("{:<{}}", row[c], widths[c]) : fmt::format("{:>{}}", row[c], widths[c]);

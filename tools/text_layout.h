@@ -31,8 +31,8 @@ class T_TEXT_TABLE {
  public:
   explicit T_TEXT_TABLE(const std::vector<std::string>& headings);
   void ADD(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
-  /// One line for each row, the headings first; every line begins with `indent` blanks and ends with a line
-  /// feed.
+  /// One line for each row, the headings first unless all are empty; every line begins with `indent` blanks
+  /// and ends with a line feed.
   [[nodiscard]] std::string TEXT(std::size_t indent = 2) const;
 
  private:

@@ -33,8 +33,7 @@ std::string sets_text(const T_VOLUME_CONTENTS& contents) {
       if (i < FIRST_FEW)
         table.ADD({file_of(set.volumes[i].file_name), fmt::to_string(set.volumes[i].bytes), "bytes"});
     }
-    const std::string lines = table.TEXT(indent);
-    text += lines.substr(lines.find('\n') + 1);  // the table has no headings
+    text += table.TEXT(indent);
     if (set.volumes.size() > FIRST_FEW)
       text += fmt::format("{}and {} more, {} bytes in all\n", blanks, set.volumes.size() - FIRST_FEW, bytes);
     text += blanks + UNIT_LOADS_IN_WORDS(set) + '\n';

@@ -8,7 +8,7 @@
 
 namespace tools {
 
-/// "included set split/bridge_included", and "unit loads 1 to 212, which the solver calls 1 to 99, 200 to 312".
+/// "included set split/bridge_included", and "unit loads 1 to 9, which the solver calls 101 to 109".
 [[nodiscard]] std::string SET_IN_WORDS(const T_VOLUME_SET& set);
 [[nodiscard]] std::string UNIT_LOADS_IN_WORDS(const T_VOLUME_SET& set);
 
