@@ -195,7 +195,7 @@ TEST_F(store_test, every_read_gives_the_values_of_its_family_at_their_positions)
                         {ELEMENT, 17, plate_values, plate_values, plate_forces},
                         {ELEMENT, 18, 132, 132, 72},
                         {ELEMENT, 19, 78, 78, 24},
-                        {VIRTUAL_BAR, 20, 5},
+                        {VIRTUAL_BAR, 20, 300},
                         {COMPOSITE_BAR, 16, 35, 0, 0, 1},
                         {COMPOSITE_BAR, 16, 35, 0, 0, 3}};
     for (const std::int32_t included : {0, 8}) {
@@ -206,7 +206,7 @@ TEST_F(store_test, every_read_gives_the_values_of_its_family_at_their_positions)
                                .foreign_blocks = true,
                                .included_loads = included,
                                .host_elements = {.composite_bars = {telling(16, 105)},
-                                                 .virtual_bars = {telling(20, 5)},
+                                                 .virtual_bars = {telling(20, 300)},
                                                  .solids = {telling(19, 78)},
                                                  .composite_parts = 3}},
                               files.NAME("included"));
