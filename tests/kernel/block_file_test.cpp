@@ -190,9 +190,12 @@ TEST_P(directory, a_search_ends_at_a_blank_tag_at_the_end_of_the_chain_or_at_dam
     std::filesystem::resize_file(layout_.path, static_cast<std::uintmax_t>(bytes));
     EXPECT_EQ(STATUS_OF("MVIF"), status);
   }
-  // A record length that can't be: the entry's values stand beside the status.
+  // A block that claims to end beyond all files has records all the same.
   WRITE(0);
   const modelkit::T_WRITTEN_BLOCK& block = layout_.BLOCK("LNIF");
+  PUT(block.entry_offset + entry_bytes_ - 8, std::numeric_limits<std::int32_t>::max());
+  EXPECT_GT(FIND("LNIF").NUM_REC, 1 << 30);
+  // A record length that can't be: the entry's values stand beside the status.
   PUT(block.entry_offset + entry_bytes_ - 4, 0);
   EXPECT_EQ(STATUS_OF("LNIF"), FIND_STATUS::NOT_OPENED);
   EXPECT_EQ(FIND("LNIF").FIRST_REC, block.first);
